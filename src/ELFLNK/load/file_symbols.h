@@ -1,0 +1,31 @@
+// The global symbols of each scanned file as name ids: what raw relocations are resolved by,
+// without a symbol object for a reference that another file's definition serves.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+class OBJ_FILE;
+namespace OFE {
+class OBJECT_FILE;
+class OF_SYMBOL;
+} // namespace OFE
+
+/// Name ids of one file, by symbol id from the first global on; NO_NAME for entries that take no
+/// part.
+struct FILE_SYMBOLS {
+    OBJ_FILE* file = nullptr;
+    unsigned first_global = 0;
+    std::vector<uint32_t> name_ids;
+
+    uint32_t name_id(unsigned sym_id) const;
+};
+
+/// The record of a file (by OBJECT_FILE::file_id), made if new.
+FILE_SYMBOLS& file_symbols(const OFE::OBJECT_FILE* object);
+const FILE_SYMBOLS* find_file_symbols(const OFE::OBJECT_FILE* object);
+
+/// The final symbol that symbol `sym_id` of the file stands for once symbols are linked: its
+/// definition, or the undefined representative of its name. Makes an object only where the symbol
+/// has to stand for itself.
+OFE::OF_SYMBOL* resolve_symbol(OFE::OBJECT_FILE* object, unsigned sym_id);
