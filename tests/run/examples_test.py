@@ -1,0 +1,79 @@
+#!/usr/bin/env python3
+"""Every example, linked by qvlink and, with the same layout, by GNU ld: both programs run in QEMU and print the same.
+
+The output of qvlink is also read by readelf and eu-elflint, which must have nothing to say, and two links of the same
+inputs in different folders must be equal byte for byte.
+"""
+import argparse
+import sys
+from pathlib import Path
+
+HERE = Path(__file__).resolve().parent
+sys.path[:0] = [str(HERE.parents[1] / "examples"), str(HERE.parent / "support")]
+import run  # noqa: E402
+from elf import Elf  # noqa: E402
+
+
+def check_file(elf):
+    """Tools that were written by others accept the file."""
+    text = run.run(["arm-none-eabi-readelf", "-a", "-W", elf])
+    bad = [line for line in text.splitlines() if "arning" in line or "rror" in line.replace("error", "")]
+    if bad:
+        raise run.Failed(f"readelf has something to say of {elf}:\n" + "\n".join(bad))
+    text = run.run(["eu-elflint", "--gnu-ld", elf]).strip()
+    if text != "No errors":
+        raise run.Failed(f"eu-elflint on {elf}:\n{text}")
+
+
+def check_image(elf):
+    """Sections that occupy memory lie apart unless they take turns in one place, and nothing lies outside."""
+    runs = [(s.addr, s.addr + s.size, s.name) for s in Elf(elf).sections if s.flags & 2 and s.size]
+    overlays = {".first", ".second"}
+    for a in runs:
+        for b in runs:
+            if a < b and a[1] > b[0] and not {a[2], b[2]} <= overlays:
+                raise run.Failed(f"{elf}: {a} overlaps {b}")
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--qvlink", required=True, type=Path)
+    parser.add_argument("--work", required=True, type=Path)
+    parser.add_argument("programs", nargs="*")
+    opts = parser.parse_args()
+    failures = 0
+    for name in opts.programs or run.PROGRAMS:
+        expected = (run.HERE / name / "expected.txt").read_text()
+        try:
+            elf = run.build(name, opts.qvlink, opts.work / name)
+            again = run.build(name, opts.qvlink, opts.work / "again" / name)
+            printed = run.run_in_qemu(elf)
+            if printed != expected:
+                raise run.Failed(f"printed\n{printed}--- expected\n{expected}")
+            check_file(elf)
+            check_image(elf)
+            if elf.read_bytes() != again.read_bytes():
+                raise run.Failed(f"{elf} and {again} differ")
+            if not (elf.with_suffix(".map")).read_text(encoding="latin-1").strip():
+                raise run.Failed("the map file is empty")
+            peer = peer_link(name, opts.work / name)
+            if run.run_in_qemu(peer) != expected:
+                raise run.Failed("linked by GNU ld the program prints something else")
+            print(f"{name}: ok")
+        except run.Failed as e:
+            failures += 1
+            print(f"{name}: FAILED: {e}")
+    return 1 if failures else 0
+
+
+def peer_link(name, work):
+    out = work / f"{name}.peer.elf"
+    objects = [work / (Path(s).stem + ".o") for s in run.PROGRAMS[name]["sources"]]
+    archives = [work / a for a in run.PROGRAMS[name].get("archives", [])]
+    run.run(["arm-none-eabi-ld", "--gc-sections", "-T", HERE / "peer" / f"{name}.ld", *objects, "--start-group",
+             *archives, "--end-group", "-o", out])
+    return out
+
+
+if __name__ == "__main__":
+    sys.exit(main())
