@@ -1,0 +1,156 @@
+// A range of target memory and what has been put into it.
+//
+// Contents are kept ordered by address; free blocks are the gaps between them. The placement
+// works on trial copies, which start empty and cost nothing until something is put into them,
+// and commits to the declared range only on success.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <set>
+
+#include "DIAG/source_position.h"
+#include "ELFLNK/memmap/hole_index.h"
+
+class FILL_SPEC;
+class LOCATOR;
+
+/// LOCATOR::less_by_address as a predicate of sets.
+struct LESS_BY_ADDRESS {
+    bool operator()(const LOCATOR* a, const LOCATOR* b) const;
+};
+using LOCATOR_SET = std::set<LOCATOR*, LESS_BY_ADDRESS>;
+
+class MEMORY_RANGE {
+  public:
+    enum ATTR : uint32_t {
+        ATTR_R = 0x1,
+        ATTR_W = 0x2,
+        ATTR_I = 0x4,
+        ATTR_X = 0x8,
+        ATTR_ALL = 0xF,
+        ATTR_HIDDEN = 0x10,     // no part of the user's memory
+        ATTR_TEMP_LAYOUT = 0x20 // a placement into it counts no attempt
+    };
+
+    /// A declaration; the properties follow one by one. The name isn't copied.
+    MEMORY_RANGE(const char* name, const SOURCE_POSITION* pos);
+    /// A range of the linker's own, complete.
+    MEMORY_RANGE(const char* name, int page, uint64_t origin, uint64_t length,
+                 uint32_t attrs = ATTR_ALL);
+    /// A trial copy: same properties, empty contents.
+    explicit MEMORY_RANGE(MEMORY_RANGE* source);
+    ~MEMORY_RANGE();
+    MEMORY_RANGE(const MEMORY_RANGE&) = delete;
+    MEMORY_RANGE& operator=(const MEMORY_RANGE&) = delete;
+
+    // ---- declaration -----------------------------------------------------------------------
+    void add_page(int page, const SOURCE_POSITION* pos);
+    void add_origin(uint64_t origin, const SOURCE_POSITION* pos);
+    void add_length(uint64_t length, const SOURCE_POSITION* pos);
+    void add_attrs(uint32_t attrs, const SOURCE_POSITION* pos);
+    void add_fill(FILL_SPEC* fill, const SOURCE_POSITION* pos, bool vfill);
+    void add_alias(MEMORY_RANGE* alias, const SOURCE_POSITION* pos);
+    void set_cregister(int n) { cregister_ = n; }
+
+    const char* name() const { return name_; }
+    const SOURCE_POSITION& source_position() const { return position_; }
+    int page() const { return page_; }
+    uint64_t origin() const { return origin_; }
+    uint64_t length() const { return length_; }
+    /// Origin plus length: the first address behind the range.
+    uint64_t end() const { return origin_ + length_; }
+    uint32_t attrs() const { return attrs_; }
+    bool is_hidden() const { return (attrs_ & ATTR_HIDDEN) != 0; }
+    bool is_temp_layout() const { return (attrs_ & ATTR_TEMP_LAYOUT) != 0; }
+    FILL_SPEC* fill() const { return fill_; }
+    bool has_fill() const { return fill_set_; }
+    bool has_vfill() const { return vfill_set_; }
+    MEMORY_RANGE* alias() const { return alias_; }
+    bool has_page() const { return page_set_; }
+    bool has_origin() const { return origin_set_; }
+    bool has_length() const { return length_set_; }
+    bool has_attrs() const { return attrs_set_; }
+    int cregister() const { return cregister_; }
+    /// For trial ranges and the linker's own.
+    void set_origin(uint64_t origin) { origin_ = origin; }
+    void set_length(uint64_t length) { length_ = length; }
+    void clear_reserved() { reserved_ = 0; }
+    bool holds(uint64_t address) const { return address >= origin_ && address - origin_ < length_; }
+
+    // ---- trial copies ----------------------------------------------------------------------
+    MEMORY_RANGE* parent() const { return parent_; }
+    bool is_root() const { return parent_ == nullptr; }
+    MEMORY_RANGE* root_range();
+    /// The name; for a trial copy with its bounds, in a static buffer.
+    const char* debug_name() const;
+
+    // ---- contents --------------------------------------------------------------------------
+    /// Top level locators by address; walked backwards for a HIGH placement.
+    const LOCATOR_SET& contents() const { return contents_; }
+    /// Locators of all objects without further sub-items.
+    const LOCATOR_SET& leaf_contents() const { return leaf_contents_; }
+    void add_item(LOCATOR* locator, bool is_subitem);
+    void remove_item(LOCATOR* locator, bool is_subitem);
+    void clear_contents();
+    LOCATOR* locator_for_address(uint64_t address) const;
+    LOCATOR* leaf_locator_for_address(uint64_t address) const;
+
+    // ---- free space ------------------------------------------------------------------------
+    /// Free space, kept up to date.
+    uint64_t unused() const;
+    /// Takes n off the length until unreserve; false if it doesn't fit.
+    bool reserve(uint32_t n);
+    void unreserve();
+    uint32_t reserved() const { return reserved_; }
+    /// Lowest gap between contents that, cut to [from, to), has at least `size` (and isn't empty).
+    bool first_hole(uint64_t from, uint64_t to, uint64_t size, HOLE* out) const;
+    /// Highest such gap.
+    bool last_hole(uint64_t from, uint64_t to, uint64_t size, HOLE* out) const;
+    /// Largest gap within origin and end.
+    uint64_t largest_hole() const;
+
+    // ---- texts -----------------------------------------------------------------------------
+    /// "RWIX" letters, capitals, each once, to bits.
+    static bool encode_attr(const char* text, uint32_t* attrs);
+    static const char* attr_name(uint32_t attrs);
+    void dump();
+
+    /// Hidden ranges last, then by page, then by origin.
+    static bool less_order(const MEMORY_RANGE* a, const MEMORY_RANGE* b);
+
+  private:
+    void enter(LOCATOR* locator);
+    void leave(LOCATOR* locator);
+    void note_neighbours(LOCATOR_SET::const_iterator at);
+    void rebuild_holes() const;
+    const HOLE_INDEX& holes() const;
+    uint64_t unused_by_walk() const;
+
+    const char* name_;
+    SOURCE_POSITION position_;
+    int page_ = 0;
+    uint64_t origin_ = 0;
+    uint64_t length_ = 0;
+    uint32_t reserved_ = 0;
+    uint32_t attrs_ = ATTR_ALL;
+    FILL_SPEC* fill_ = nullptr;
+    MEMORY_RANGE* alias_ = nullptr;
+    bool page_set_ = false;
+    bool origin_set_ = false;
+    bool length_set_ = false;
+    bool attrs_set_ = false;
+    bool fill_set_ = false;
+    bool vfill_set_ = false;
+    int cregister_ = -1;
+    MEMORY_RANGE* parent_ = nullptr;
+    LOCATOR_SET contents_;
+    LOCATOR_SET leaf_contents_;
+
+    // Derived from contents_: the space that items cover, and the holes between them. While no two
+    // items overlap both follow each change; after an overlap they are worked out when asked for.
+    uint64_t covered_ = 0;
+    std::size_t overlaps_ = 0;
+    mutable bool holes_valid_ = false;
+    mutable std::unique_ptr<HOLE_INDEX> holes_;
+};

@@ -1,0 +1,85 @@
+// The root of the tree, with the indexes of the link: input sections and symbol objects by file
+// and number, output sections by id and name, and the reverse map of output sections.
+//
+// Lookups by section are O(1): one slot per section of a file. All walks go in the order of file
+// number and index, so nothing depends on where objects lie in memory.
+#pragma once
+
+#include <map>
+#include <set>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+
+#include "ELFLNK/object/collection.h"
+
+namespace OFE {
+class OF_SYMBOL;
+} // namespace OFE
+class SECTION;
+class SYMBOL_OBJECT;
+
+class ROOT_COLLECTION : public COLLECTION {
+  public:
+    using OUTSECT_SET = std::set<LINKER_OBJECT*, LESS_OBJ_ID>;
+    /// File number, then the symbol's index.
+    using SYMBOL_KEY = std::pair<uint32_t, uint32_t>;
+    using SYMBOL_OBJECT_MAP = std::map<SYMBOL_KEY, SYMBOL_OBJECT*>;
+
+    ROOT_COLLECTION();
+    ~ROOT_COLLECTION() override;
+
+    // ---- input sections --------------------------------------------------------------------
+    void add_section(SECTION* section);
+    void remove_section(SECTION* section);
+    SECTION* lookup_OF_SECTION(const OFE::OF_SECTION* section) const;
+    SECTION* lookup_section(uint32_t file_id, uint32_t section_id) const;
+    /// All sections, by file number, then index.
+    void list_sections(std::vector<SECTION*>& out) const;
+    std::size_t section_count() const { return section_count_; }
+
+    // ---- symbol objects --------------------------------------------------------------------
+    void add_symbol_object(SYMBOL_OBJECT* obj);
+    void remove_symbol_object(SYMBOL_OBJECT* obj);
+    SYMBOL_OBJECT* lookup_symbol_object(const OFE::OF_SYMBOL* symbol) const;
+    const SYMBOL_OBJECT_MAP& symbol_objects() const { return symbol_objects_; }
+
+    // ---- output sections -------------------------------------------------------------------
+    void add_outsect(LINKER_OBJECT* obj);
+    void remove_outsect(LINKER_OBJECT* obj);
+    /// First by object id of that name; null and empty names never match.
+    LINKER_OBJECT* find_outsect(const char* name) const {
+        return find_other_outsect(name, nullptr);
+    }
+    LINKER_OBJECT* find_other_outsect(const char* name, const LINKER_OBJECT* but) const;
+    const OUTSECT_SET& outsects() const { return outsects_; }
+    LINKER_OBJECT* lookup_OF_outsect(const OFE::OF_SECTION* output) const;
+    using COLLECTION::set_output_OF_SECTION;
+    void set_output_OF_SECTION(OFE::OF_SECTION* output, LINKER_OBJECT* obj);
+    void forget_output_OF_SECTION(const OFE::OF_SECTION* output);
+
+    // ---- the tree --------------------------------------------------------------------------
+    /// Takes the object, and what is below it, out of the tree and the indexes.
+    void unregister_object(LINKER_OBJECT* obj);
+    /// Nearest ancestor of obj that also contains other, or the root.
+    COLLECTION* find_enclosing_collection(LINKER_OBJECT* obj, const LINKER_OBJECT* other);
+    /// Ends the collection phase: attributes of the whole tree.
+    void update_after_collection();
+    bool symbol_is_in_link(const OFE::OF_SYMBOL* symbol) const;
+    bool object_is_in_link(const LINKER_OBJECT* obj) const;
+
+  private:
+    friend class LINKER_OBJECT; // renames output sections
+    void index_outsect_name(LINKER_OBJECT* obj);
+    void unindex_outsect_name(LINKER_OBJECT* obj);
+
+    std::vector<std::vector<SECTION*>> sections_; // by file number, then section index
+    std::size_t section_count_ = 0;
+    SYMBOL_OBJECT_MAP symbol_objects_;
+    OUTSECT_SET outsects_;
+    std::unordered_map<std::string_view, std::vector<LINKER_OBJECT*>>
+        outsects_by_name_; // ascending ids
+    std::unordered_map<const OFE::OF_SECTION*, LINKER_OBJECT*> output_map_;
+};
+
+extern ROOT_COLLECTION* root_collection;
