@@ -154,14 +154,18 @@ class Case:
 
     def __init__(self, name, parts, shared, opts, work):
         self.name, self.parts, self.opts, self.work = name, parts, opts, work
-        checks = {}
-        for head, body, line in shared + parts:
-            if head[0] in ONCE and head[0] in checks and (head, body, line) in parts:
-                checks[head[0]] = []
-            if head[0] in CHECKS:
-                checks.setdefault(head[0], []).append((head, body, line))
-        self.checks = checks
+        own = {self.kind(part) for part in parts}
+        self.checks = {}
+        for part in [p for p in shared if self.kind(p) not in own] + parts:
+            if part[0][0] in CHECKS:
+                self.checks.setdefault(part[0][0], []).append(part)
         self.elf_cache = None
+
+    @staticmethod
+    def kind(part):
+        """What a case says itself replaces what all cases share: of a kind, or of a file."""
+        head = part[0]
+        return {"no-file": "file", "text": "text"}.get(head[0], head[0]), *head[1:2] * (head[0] not in ONCE)
 
     def one(self, name):
         found = self.checks.get(name)
