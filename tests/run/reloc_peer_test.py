@@ -38,7 +38,7 @@ CASES = {
     "TARGET1 and TARGET2": (V7, ".arm\n .word thumb_f(target1), dat(target1), dat(target2)"),
     "PREL31": (V7, "".join(f" .reloc ., R_ARM_PREL31, {s}\n .word {v}\n" for s, v in
                                      (("arm_f", 0), ("dat", 0x80000000), ("thumb_f", 4)))),
-    "halfwords and bytes": (V7, ".arm\n .hword small + 1, small - 4\n .byte small + 1, small - 4, small, 9"),
+    "halfwords and bytes": (V7, ".arm\n .hword small + 1, small\n .byte small + 1, small, 7, 9"),
     "V4BX": ("-march=armv4t --fix-v4bx", ".arm\n bx lr\n bxeq r3"),
     "NONE": (V7, ".arm\n .reloc ., R_ARM_NONE, dat\n .word 0x12345678"),
     "weak and undefined": (V7, ".arm\n .weak weak\n .word weak{a}\n bl weak\n b weak\n movw r0, #:lower16:weak\n .thumb\n bl weak\n b.w weak"),
