@@ -1,9 +1,10 @@
-// ARM's answers, and what a linker needs to know about the ARM code of a file: the instruction set version, the
-// mapping symbols that tell ARM code, Thumb code and data apart, and the swap between the byte orders of code.
+// ARM's answers, and what a linker needs to know about the ARM code of a file: the instruction set
+// version, the mapping symbols that tell ARM code, Thumb code and data apart, and the swap between
+// the byte orders of code.
 //
-// Mapping symbols are local symbols $a, $t, $d, alone or followed by '.' and anything. They are collected on first
-// need into one list per section, sorted by address; a query is a binary search. Symbols that are added later are
-// looked at when the next query comes.
+// Mapping symbols are local symbols $a, $t, $d, alone or followed by '.' and anything. They are
+// collected on first need into one list per section, sorted by address; a query is a binary search.
+// Symbols that are added later are looked at when the next query comes.
 #pragma once
 
 #include <cstdint>
@@ -14,11 +15,18 @@
 namespace OFE {
 
 struct ARM_TYPES {
-    enum SECTION_MODE : int { SM_UNKNOWN = 0, SM_ARM = 1, SM_THUMB = 2, SM_DATA = 3, SM_CODE16 = 4, SM_CODE32 = 5 };
+    enum SECTION_MODE : int {
+        SM_UNKNOWN = 0,
+        SM_ARM = 1,
+        SM_THUMB = 2,
+        SM_DATA = 3,
+        SM_CODE16 = 4,
+        SM_CODE32 = 5
+    };
 };
 
 class ARM_MACHINE_DB final : public OF_MACHINE_DB {
-public:
+  public:
     using SECTION_MODE = ARM_TYPES::SECTION_MODE;
 
     explicit ARM_MACHINE_DB(OBJECT_FILE* file) : OF_MACHINE_DB(file) {}
@@ -35,7 +43,8 @@ public:
     void of_update_symbol_refs(OF_SYMBOL_TABLE*) override { forget_mapping_syms(); }
     bool of_supports_build_attributes(OBJECT_FILE* file, bool& supported) override;
     const char* ofba_abi_scn_name() const override { return "aeabi"; }
-    bool elf_special_section_name(ELF_SECTION_TABLE*, const char* name, const char*& special) override;
+    bool elf_special_section_name(ELF_SECTION_TABLE*, const char* name,
+                                  const char*& special) override;
     bool elf_gnu_symver(ELF_FILE*, bool& gnu) override;
     bool elf_set_gnu_symver(ELF_FILE*, bool gnu) override;
     bool elf_ei_osabi_name(ELF_FILE*, unsigned char osabi, bool brief, const char*& name) override;
@@ -49,29 +58,31 @@ public:
     unsigned elf_symalias_type() const override { return 1; }
     void rel_build_type_table(OF_MACHINE_RELTYPES& types, OF_FORMAT format) override;
 
-    // Mapping symbols. An address is a run address where the file's symbol values are addresses, else an offset
-    // from the section's run address plus that address.
+    // Mapping symbols. An address is a run address where the file's symbol values are addresses,
+    // else an offset from the section's run address plus that address.
     void find_mapping_syms() override;
     SECTION_MODE section_mode_addr(OF_SECTION* section, unsigned addr);
     static const char* mapping_sym_name(SECTION_MODE mode);
-    static SECTION_MODE mapping_sym_mode(const char* name);  // SM_UNKNOWN for any other name
-    void forget_mapping_syms();  // symbols have changed: search again
-    void add_mapping(OF_SECTION* section, unsigned addr, SECTION_MODE mode);  // one more, without a search
+    static SECTION_MODE mapping_sym_mode(const char* name); // SM_UNKNOWN for any other name
+    void forget_mapping_syms();                             // symbols have changed: search again
+    void add_mapping(OF_SECTION* section, unsigned addr,
+                     SECTION_MODE mode); // one more, without a search
 
     // The numbers of the ABI's tags for the architecture and its profile ('A', 'R', 'M', 'S' or 0).
     unsigned find_isa_version();
     unsigned find_isa_profile();
-    unsigned isa_version() const { return isa_version_; }  // the override; 0 when unset
+    unsigned isa_version() const { return isa_version_; } // the override; 0 when unset
     unsigned isa_profile() const { return isa_profile_; }
     void set_isa_version(unsigned version, bool forced = true);
     void set_isa_profile(unsigned profile, bool forced = true);
     static const char* isa_version_name(unsigned version);
 
-    unsigned eabi_version();        // top byte of e_flags
-    unsigned be_enc();              // 1: code is little-endian in a big-endian file; 2: all big-endian; 0 unsaid
-    void set_be_enc(unsigned enc);  // also keeps the flag of the ELF header in step
+    unsigned eabi_version(); // top byte of e_flags
+    unsigned be_enc(); // 1: code is little-endian in a big-endian file; 2: all big-endian; 0 unsaid
+    void set_be_enc(unsigned enc); // also keeps the flag of the ELF header in step
 
-    // Reverses the bytes of each ARM word and Thumb halfword of a section, as its mapping symbols tell.
+    // Reverses the bytes of each ARM word and Thumb halfword of a section, as its mapping symbols
+    // tell.
     void swap_be8_code(OF_SECTION* section);
 
     // Machine flag of the ELF header that says code is little-endian in a big-endian file.
@@ -79,7 +90,7 @@ public:
     static constexpr unsigned EF_ARM_ABI_FLOAT_SOFT = 0x200;
     static constexpr unsigned EF_ARM_ABI_FLOAT_HARD = 0x400;
 
-private:
+  private:
     struct MAPPING {
         uint32_t addr;
         SECTION_MODE mode;
@@ -90,14 +101,14 @@ private:
     MAPPINGS& mappings_at(unsigned section_id);
     SECTION_MODE default_mode(OF_SECTION* section);
 
-    std::vector<MAPPINGS> mapping_;  // by section id
-    unsigned mapping_searched_ = 0;  // symbols with a lower id have been looked at
+    std::vector<MAPPINGS> mapping_; // by section id
+    unsigned mapping_searched_ = 0; // symbols with a lower id have been looked at
     bool mapping_sorted_ = true;
     unsigned isa_version_ = 0;
     unsigned isa_profile_ = 0;
-    int found_version_ = -1;  // -1: not yet looked up
+    int found_version_ = -1; // -1: not yet looked up
     int found_profile_ = -1;
     unsigned be_enc_ = 0;
 };
 
-}  // namespace OFE
+} // namespace OFE

@@ -1,7 +1,8 @@
-// The one place where the object file layer asks what depends on the processor: magic numbers, names of flags,
-// special sections, relocation types. Each OBJECT_FILE owns one instance, made by machine_db(). A `_name` operation
-// returns true and sets its last argument when it knows the value; false and null when it does not, so that the
-// caller can fall back on the standard name. The base answers "no" and does nothing.
+// The one place where the object file layer asks what depends on the processor: magic numbers,
+// names of flags, special sections, relocation types. Each OBJECT_FILE owns one instance, made by
+// machine_db(). A `_name` operation returns true and sets its last argument when it knows the
+// value; false and null when it does not, so that the caller can fall back on the standard name.
+// The base answers "no" and does nothing.
 #pragma once
 
 #include <memory>
@@ -24,13 +25,14 @@ class ELF_SYMBOL;
 class ELF_SYMBOL_TABLE;
 
 class OF_MACHINE_DB {
-public:
+  public:
     explicit OF_MACHINE_DB(OBJECT_FILE* file) : file_(file) {}
     OF_MACHINE_DB(const OF_MACHINE_DB&) = delete;
     OF_MACHINE_DB& operator=(const OF_MACHINE_DB&) = delete;
     virtual ~OF_MACHINE_DB() = default;
 
-    // The database for a file of this machine. A machine without one of its own gets the base, which knows nothing.
+    // The database for a file of this machine. A machine without one of its own gets the base,
+    // which knows nothing.
     static std::unique_ptr<OF_MACHINE_DB> machine_db(OBJECT_FILE* file, OF_MACHINE machine);
 
     OBJECT_FILE* ofile() const { return file_; }
@@ -38,8 +40,9 @@ public:
     virtual OF_MACHINE machine() const { return OF_MACHINE_NONE; }
     virtual unsigned qvcoff_magic() const { return 0; }
     virtual unsigned elf_magic() const { return 0; }
-    virtual unsigned unit_size() const { return 8; }  // bits of an addressable unit
-    virtual unsigned rts_vendor() const;              // 0 unknown; see the vendor attribute for the run-time library
+    virtual unsigned unit_size() const { return 8; } // bits of an addressable unit
+    virtual unsigned
+    rts_vendor() const; // 0 unknown; see the vendor attribute for the run-time library
 
     virtual OF_ENDIAN of_section_endian(OF_SECTION* section);
     virtual unsigned seg_attr_p_type() const { return 0; }
@@ -61,7 +64,8 @@ public:
     virtual const char* ofba_abi_scn_name() const { return nullptr; }
 
     virtual bool elf_ei_osabi_name(ELF_FILE*, unsigned char osabi, bool brief, const char*& name);
-    virtual bool elf_special_section_name(ELF_SECTION_TABLE*, const char* name, const char*& special);
+    virtual bool elf_special_section_name(ELF_SECTION_TABLE*, const char* name,
+                                          const char*& special);
     virtual bool elf_gnu_symver(ELF_FILE*, bool& gnu);
     virtual bool elf_set_gnu_symver(ELF_FILE*, bool gnu);
     virtual bool elf_e_flag_name(ELF_FILE*, unsigned flag, bool brief, const char*& name);
@@ -76,7 +80,8 @@ public:
     virtual bool elf_sym_kind_name(ELF_SYMBOL*, const char*& name);
     virtual void elf_build_special_section_hash(ELF_SECTION_TABLE*) {}
 
-    // Extended section attributes: kind 0 the flags word, 1 the page word. A type of 1 means "by name".
+    // Extended section attributes: kind 0 the flags word, 1 the page word. A type of 1 means "by
+    // name".
     virtual bool elf_supports_qv_sh_attr(int) const { return false; }
     virtual bool elf_match_qv_sh_attr_type(int) const { return false; }
     virtual unsigned elf_qv_sh_attr_type(int) const { return 0; }
@@ -90,8 +95,8 @@ public:
     // Finds the symbols that mark code of several kinds and data within a section.
     virtual void find_mapping_syms() {}
 
-protected:
+  protected:
     OBJECT_FILE* file_;
 };
 
-}  // namespace OFE
+} // namespace OFE

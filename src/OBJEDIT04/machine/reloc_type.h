@@ -1,5 +1,6 @@
-// What a relocation points to: a type of its file format, with the template that tells what it means. One set of
-// types per (machine, format) is shared by all files; looking a type up by its number is an array access.
+// What a relocation points to: a type of its file format, with the template that tells what it
+// means. One set of types per (machine, format) is shared by all files; looking a type up by its
+// number is an array access.
 #pragma once
 
 #include <array>
@@ -16,9 +17,9 @@ namespace OFE {
 
 struct OF_RELOC_TYPE {
     const char* name = "";
-    uint32_t machine_type = 0;  // the number in the file
+    uint32_t machine_type = 0; // the number in the file
     uint32_t template_id = OFR_NOT_SUPPORTED;
-    const OF_RELOC_TEMPLATE* rel_template = nullptr;  // null for a template id below 256
+    const OF_RELOC_TEMPLATE* rel_template = nullptr; // null for a template id below 256
 
     bool has_symbol() const { return rel_template && rel_template->takes_symbol(); }
 };
@@ -36,17 +37,18 @@ inline constexpr uint32_t OFR_END_OF_ROWS = 0xFFFFFFFFu;
 
 // The types of one (machine, format).
 class OF_MACHINE_RELTYPES {
-public:
+  public:
     explicit OF_MACHINE_RELTYPES(OF_FORMAT format) : format_(format) {}
 
-    // Enters the rows, up to the one that ends the table. The first row for a template becomes the template's type.
+    // Enters the rows, up to the one that ends the table. The first row for a template becomes the
+    // template's type.
     void add_rows(const OF_RELOC_TYPE_ROW* rows);
 
     // The type that stands for a template; null when the format has none.
     const OF_RELOC_TYPE* by_template(uint32_t template_id) const;
 
-    // The type with this machine number. An unknown number gets a type on the spot, named "R_0x%02x" in ELF and
-    // "R_0x%04x" in QV-COFF, without a template.
+    // The type with this machine number. An unknown number gets a type on the spot, named
+    // "R_0x%02x" in ELF and "R_0x%04x" in QV-COFF, without a template.
     const OF_RELOC_TYPE* by_machine_number(uint32_t machine_type);
 
     // The type with this name; null when there is none.
@@ -55,18 +57,18 @@ public:
     // From now on the template `from` is expressed by the type of the template `to`.
     bool remap(uint32_t from, uint32_t to);
 
-private:
+  private:
     OF_RELOC_TYPE* new_type(std::string name, uint32_t machine_type, uint32_t template_id);
 
     OF_FORMAT format_;
     std::vector<std::unique_ptr<OF_RELOC_TYPE>> types_;
     std::vector<std::unique_ptr<std::string>> names_;
     std::map<uint32_t, const OF_RELOC_TYPE*> template_map_;
-    std::array<const OF_RELOC_TYPE*, 256> small_numbers_{};  // the whole range of ELF32
+    std::array<const OF_RELOC_TYPE*, 256> small_numbers_{}; // the whole range of ELF32
     std::map<uint32_t, const OF_RELOC_TYPE*> large_numbers_;
 };
 
 // The shared set of a (machine, format), made on first use.
 OF_MACHINE_RELTYPES& shared_machine_reltypes(OF_MACHINE machine, OF_FORMAT format);
 
-}  // namespace OFE
+} // namespace OFE
