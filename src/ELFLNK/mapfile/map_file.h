@@ -1,5 +1,7 @@
-// The map file: the human-readable report of the link, a fixed sequence of parts that can be turned on and off by
-// --mapfile_contents. It only reads the link's objects. All text is gathered in one buffer and written at once.
+// The map file: the human-readable report of the link, a fixed sequence of parts that can be turned
+// on and off by
+// --mapfile_contents. It only reads the link's objects. All text is gathered in one buffer and
+// written at once.
 #pragma once
 
 #include <string>
