@@ -10,6 +10,7 @@
 
 #include <array>
 #include <cstdio>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,6 +34,14 @@ struct option_history {
 struct option_range {
     long min;
     long max;
+};
+
+/// An option beside the table: "--name", or "--name=value" and "--name value" if it takes a
+/// parameter.
+struct extension_option {
+    const char* name;      ///< without dashes
+    const char* parameter; ///< what the parameter is called, or null for none
+    void (*action)(const char* value);
 };
 
 class option_obj {
@@ -121,11 +130,13 @@ class option_obj {
     static const char* (*next_arg)();
     /// Called at each occurrence of an option, after it has been set.
     static void (*action)(option_id id, const option_arg* value);
+    /// Options that are asked only where the table knows none.
+    static std::span<const extension_option> extensions;
     /// Prints the name and version of the tool above the help.
     static void (*banner)(FILE* to);
 
   private:
-    friend class option_parser;
+    friend class OPTION_PARSER;
     struct OPTION_STATE {
         unsigned state = 0;
         unsigned seen = 0;
@@ -135,7 +146,6 @@ class option_obj {
     };
     void do_conflicts(option_id id);
     void set_value(option_id id, option_arg value);
-    bool depends_holds(unsigned row) const;
 
     std::array<OPTION_STATE, OPTION_COUNT> options_;
     std::vector<option_history> history_;

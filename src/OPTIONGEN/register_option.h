@@ -19,7 +19,7 @@ class register_option {
     }
     register_option(const register_option&) = delete;
 
-    /// The switch of that key, or null.
+    /// The first switch of that key, or null; several files may have one of the same key.
     static register_option* get_option(const char* key);
     /// The values of all switches, in the order in which they were made.
     static std::vector<int> get_state();

@@ -1,0 +1,129 @@
+// The help and the XML description, both made from the table.
+#include "OPTIONGEN/option_table.h"
+
+#include <cstring>
+#include <strings.h>
+
+namespace {
+
+/// The option as the help shows it: the long name with its parameter, then the other spellings.
+std::string option_form(option_id id) {
+    const OPTION_DEF& def = option_def(id);
+    std::string form(option_spelling(id, 0));
+    if (takes_parameter(def.kind)) {
+        const char* equals = form.ends_with(':') ? "" : "=";
+        form += parameter_optional(def.kind) ? std::string("[") + equals + def.parameter + "]"
+                                             : std::string(equals) + def.parameter;
+    }
+    std::string_view other;
+    for (unsigned n = 1; !(other = option_spelling(id, n)).empty(); n++)
+        form += ", " + std::string(other);
+    return form;
+}
+
+/// What an enumerated option accepts, unless its parameter says so already.
+std::string values_of(const OPTION_DEF& def) {
+    std::string values;
+    for (const OPTION_ITEM& item : def.items)
+        if (item.mark == '+') values += (values.empty() ? "" : ",") + std::string(item.text);
+    return values == def.parameter ? "" : values;
+}
+
+void print_option(option_id id) {
+    constexpr int NAME_WIDTH = 20;
+    const OPTION_DEF& def = option_def(id);
+    const std::string form = option_form(id);
+    printf("  %-*s ", NAME_WIDTH, form.c_str());
+    if (form.size() > size_t(NAME_WIDTH)) printf("\n%*s", NAME_WIDTH + 3, "");
+    printf("%s\n", def.help);
+    if (def.more[0] != '\0') printf("%*s%s\n", NAME_WIDTH + 3, "", def.more);
+    const std::string values = values_of(def);
+    if (!values.empty()) printf("%*sOne of: %s\n", NAME_WIDTH + 3, "", values.c_str());
+}
+
+bool is_hidden(option_id id) {
+    const OPTION_DEF& def = option_def(id);
+    return (def.flags & OPTION_INTERNAL) != 0 || option_class_hidden(def.cls);
+}
+
+bool matches(option_id id, const char* text) {
+    const OPTION_DEF& def = option_def(id);
+    if (strcasestr(def.help, text) != nullptr || strcasestr(def.more, text) != nullptr) return true;
+    std::string_view spelling;
+    for (unsigned n = 0; !(spelling = option_spelling(id, n)).empty(); n++) {
+        const std::string_view name = spelling.substr(spelling.find_first_not_of('-'));
+        const size_t size = strlen(text);
+        if (size <= spelling.size() && strncasecmp(spelling.data(), text, size) == 0) return true;
+        if (size <= name.size() && strncasecmp(name.data(), text, size) == 0) return true;
+    }
+    return false;
+}
+
+void print_all_options() {
+    printf("Usage: %s [-options] filename\n\n", option_obj::executable_name);
+    printf("Options have a name of two dashes; a comma parts it from other spellings of the\n"
+           "same option. What stands in brackets may be left out. -h is an option of its own;\n"
+           "--help=text shows the options that have to do with a text.\n");
+    for (unsigned cls = 0; cls < CLASS_COUNT; cls++) {
+        if (option_class_hidden(class_id(cls))) continue;
+        printf("\n%s:\n", option_class_title(class_id(cls)));
+        for (unsigned id = 0; id < OPTION_COUNT; id++)
+            if (option_def(option_id(id)).cls == cls && !is_hidden(option_id(id)))
+                print_option(option_id(id));
+    }
+}
+
+std::string xml_escape(std::string_view text) {
+    std::string escaped;
+    for (const char c : text) {
+        if (c == '<')
+            escaped += "&lt;";
+        else if (c == '>')
+            escaped += "&gt;";
+        else if (c == '&')
+            escaped += "&amp;";
+        else if (c == '"')
+            escaped += "&quot;";
+        else
+            escaped += c;
+    }
+    return escaped;
+}
+
+} // namespace
+
+void option_obj::display_option_help(const char* text) {
+    if (text == nullptr) {
+        if (banner != nullptr) banner(stdout);
+        print_all_options();
+        return;
+    }
+    bool any = false;
+    for (unsigned id = 0; id < OPTION_COUNT; id++) {
+        if (is_hidden(option_id(id)) || !matches(option_id(id), text)) continue;
+        print_option(option_id(id));
+        any = true;
+    }
+    if (!any) printf(">> Help: No options match the string '%s'\n", text);
+}
+
+void option_obj::print_xml(FILE* to) {
+    fprintf(to, "<?xml version=\"1.0\" ?>\n<TOOLSET>\n");
+    for (unsigned n = 0; n < OPTION_COUNT; n++) {
+        const option_id id = option_id(n);
+        const OPTION_DEF& def = option_def(id);
+        fprintf(to, "%*s<OPTION NAME=\"%s\" CLASS=\"%s\">\n", 4, "",
+                xml_escape(option_spelling(id, 0)).c_str(), option_class_title(def.cls));
+        std::string_view spelling;
+        for (unsigned form = 0; !(spelling = option_spelling(id, form)).empty(); form++)
+            fprintf(to, "%*s<SPELLING>%s</SPELLING>\n", 8, "", xml_escape(spelling).c_str());
+        if (takes_parameter(def.kind))
+            fprintf(to, "%*s<PARAMETER OPTIONAL=\"%s\">%s</PARAMETER>\n", 8, "",
+                    parameter_optional(def.kind) ? "yes" : "no", xml_escape(def.parameter).c_str());
+        for (const OPTION_ITEM& item : def.items)
+            fprintf(to, "%*s<VALUE>%s</VALUE>\n", 8, "", xml_escape(item.text).c_str());
+        fprintf(to, "%*s<HELP>%s</HELP>\n", 8, "", xml_escape(def.help).c_str());
+        fprintf(to, "%*s</OPTION>\n", 4, "");
+    }
+    fprintf(to, "</TOOLSET>\n");
+}
