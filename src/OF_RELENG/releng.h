@@ -1,10 +1,12 @@
-// The relocation engine: applies the relocations of one section to that section's bytes, when every address is known.
+// The relocation engine: applies the relocations of one section to that section's bytes, when every
+// address is known.
 //
-// A relocation is seen as a RELOC_SITE: its type, place, symbol and addend, taken from a raw record of the mapped file
-// or from an OF_RELOC. So millions of relocations are applied without an object each, and the same code serves single
-// relocations that somebody made or asks about. What a symbol contributes is worked out once per symbol and kept for
-// the table in use (RELOC_SYMBOLS). What differs per processor is behind OF_RELENG_MACHOPS; overflow and scale checks
-// and their messages are here. Diagnostics never stop the walk; one of warning severity or higher sets the error flag.
+// A relocation is seen as a RELOC_SITE: its type, place, symbol and addend, taken from a raw record
+// of the mapped file or from an OF_RELOC. So millions of relocations are applied without an object
+// each, and the same code serves single relocations that somebody made or asks about. What a symbol
+// contributes is worked out once per symbol and kept for the table in use (RELOC_SYMBOLS). What
+// differs per processor is behind OF_RELENG_MACHOPS; overflow and scale checks and their messages
+// are here. Diagnostics never stop the walk; one of warning severity or higher sets the error flag.
 #pragma once
 
 #include <cstddef>
@@ -27,28 +29,28 @@ class OF_SYMBOL_TABLE;
 
 // What the engine needs to know about the symbol of a relocation.
 struct RELOC_SYMBOL {
-    OF_SYMBOL* input = nullptr;     // the symbol as the relocation names it
-    OF_SYMBOL* final = nullptr;     // what stands for it; null: the relocation has no symbol
-    OF_SECTION* section = nullptr;  // the section of the final symbol, if it refers to one
-    OBJECT_FILE* file = nullptr;    // the file of the final symbol
-    uint32_t value = 0;             // the final value, without the Thumb bit of a function
+    OF_SYMBOL* input = nullptr;    // the symbol as the relocation names it
+    OF_SYMBOL* final = nullptr;    // what stands for it; null: the relocation has no symbol
+    OF_SECTION* section = nullptr; // the section of the final symbol, if it refers to one
+    OBJECT_FILE* file = nullptr;   // the file of the final symbol
+    uint32_t value = 0;            // the final value, without the Thumb bit of a function
     bool known = false;
-    bool function = false;         // of type function
-    bool thumb = false;            // of type function with the Thumb bit set
-    bool absolute = false;         // of kind absolute
-    bool unresolved = false;       // of kind undefined
-    bool unresolved_weak = false;  // of kind undefined and binding weak
-    bool gone = false;             // an unallocated common, or its section was deleted
+    bool function = false;        // of type function
+    bool odd = false;             // bit 0 of the value as it stands: the Thumb bit of a function
+    bool absolute = false;        // of kind absolute
+    bool unresolved = false;      // of kind undefined
+    bool unresolved_weak = false; // of kind undefined and binding weak
+    bool gone = false;            // an unallocated common, or its section is not in the link
 };
 
 // One relocation as the engine sees it.
 struct RELOC_SITE {
     const OF_RELOC_TYPE* type = nullptr;
-    const OF_RELOC_TEMPLATE* rel = nullptr;  // the type's template, or null
-    uint32_t offset = 0;                     // bytes from the start of the section's data
-    int32_t addend = 0;                      // of a RELA entry
+    const OF_RELOC_TEMPLATE* rel = nullptr; // the type's template, or null
+    uint32_t offset = 0;                    // bytes from the start of the section's data
+    int32_t addend = 0;                     // of a RELA entry
     bool rela = false;
-    const RELOC_SYMBOL* symbol = nullptr;  // null: none
+    const RELOC_SYMBOL* symbol = nullptr; // null: none
 };
 
 // Where a place is in the user's source.
@@ -60,16 +62,22 @@ struct RELOC_SOURCE {
     enum FUNCTION_KIND { FUNCTION, ASSEMBLY_FUNCTION, ASSEMBLY_RANGE } function_kind = FUNCTION;
 };
 
-// What the linker above knows and the engine asks for. All questions are asked on the error path only.
+// What the linker above knows and the engine asks for.
 class RELENG_HOOKS {
-public:
+  public:
     virtual ~RELENG_HOOKS() = default;
-    // The source of the run address `addr` of an allocated section; false when there is none.
-    virtual bool source(OF_SECTION* section, uint32_t addr, RELOC_SOURCE& out) = 0;
+    // The source of the run address `addr` of an allocated section; false when there is none. Error
+    // path only.
+    virtual bool source(OF_SECTION*, uint32_t /*addr*/, RELOC_SOURCE&) { return false; }
+    // What stands for a symbol of an input file that has no object of its own; null: make the
+    // object.
+    virtual OF_SYMBOL* stand_in(OF_SYMBOL_TABLE*, unsigned /*id*/) { return nullptr; }
+    // The symbol's section does not take part in the link.
+    virtual bool is_gone(OF_SYMBOL*) { return false; }
 };
 
 class OF_RELENG {
-public:
+  public:
     explicit OF_RELENG(OF_SECTION* section);
 
     void set_output_section(OF_SECTION* output) { output_ = output; }
@@ -119,12 +127,14 @@ public:
     }
     long calculate_sb_offset_reloc(const RELOC_SITE& site) { return opnd_B(site) + opnd_A(site); }
 
-    // Texts of messages: "(type = ..., file = ..., offset = ..., section = ...)" and "from function ... to symbol ...".
+    // Texts of messages: "(type = ..., file = ..., offset = ..., section = ...)" and "from function
+    // ... to symbol ...".
     std::string relinfo(const RELOC_SITE& site) const;
     std::string relref(const RELOC_SITE& site) const;
     void report_diag(const RELOC_SITE& site, DIAGNOSTIC&& diag);
 
-    // The bytes of the section from the site's place on: room for the container has been checked by process_reloc.
+    // The bytes of the section from the site's place on: room for the container has been checked by
+    // process_reloc.
     uint8_t* place(const RELOC_SITE& site) { return bytes_ + site.offset; }
     bool big_endian() const { return big_; }
     bool in_debug_section() const { return debug_; }
@@ -134,7 +144,7 @@ public:
     // Symbols have changed: what was worked out for the table in use is no longer right.
     static void forget_symbols();
 
-private:
+  private:
     friend class ARM_RELENG_MACHOPS;
 
     bool load_bytes();
@@ -147,15 +157,15 @@ private:
     OF_SECTION* output_;
     OF_RELENG_MACHOPS* machops_;
     uint8_t* bytes_ = nullptr;
-    size_t size_ = 0;  // bytes of data
+    size_t size_ = 0; // bytes of data
     uint32_t run_addr_ = 0;
     uint32_t unit_bytes_ = 1;
     bool big_ = false;
-    bool debug_ = false;  // the section's name starts with ".debug"
+    bool debug_ = false; // the section's name starts with ".debug"
     bool has_error_ = false;
     bool check_final_values_ = false;
 
     static RELENG_HOOKS* hooks_m;
 };
 
-}  // namespace OFE
+} // namespace OFE

@@ -1,6 +1,7 @@
-// The instruction fields that relocations fill, as pure functions over bytes: no symbols, no messages. Values are in
-// units of the template's scale. A Thumb instruction of 32 bits is two halfwords, each in the section's byte order;
-// hw1 is the first. Bit positions are those of the architecture manual.
+// The instruction fields that relocations fill, as pure functions over bytes: no symbols, no
+// messages. Values are in units of the template's scale. A Thumb instruction of 32 bits is two
+// halfwords, each in the section's byte order; hw1 is the first. Bit positions are those of the
+// architecture manual.
 #pragma once
 
 #include <cstdint>
@@ -9,10 +10,10 @@
 
 namespace OFE {
 
-inline constexpr uint32_t ARM_NOP = 0xE1A00000;        // mov r0, r0
-inline constexpr uint16_t THUMB_NOP = 0x46C0;          // mov r8, r8
-inline constexpr uint16_t THUMB2_NOP = 0xBF00;         // nop, from v6T2 on
-inline constexpr unsigned ISA_V5T = 3;                 // numbers of the ABI's architecture tag
+inline constexpr uint32_t ARM_NOP = 0xE1A00000; // mov r0, r0
+inline constexpr uint16_t THUMB_NOP = 0x46C0;   // mov r8, r8
+inline constexpr uint16_t THUMB2_NOP = 0xBF00;  // nop, from v6T2 on
+inline constexpr unsigned ISA_V5T = 3;          // numbers of the ABI's architecture tag
 inline constexpr unsigned ISA_V6T2 = 8;
 
 // The bits hi..lo of v, at bit 0.
@@ -40,11 +41,11 @@ void put_thumb32(uint8_t* p, bool big, uint32_t pair);
 // The field of the template's encoding as stored, not yet extended or scaled.
 long get_field(const OF_RELOC_TEMPLATE& rel, const uint8_t* p, bool big);
 
-// Stores a value that needs no decision into the field. Not for the branch and group encodings, whose packing looks
-// at the symbol: those have functions of their own below.
+// Stores a value that needs no decision into the field. Not for the branch and group encodings,
+// whose packing looks at the symbol: those have functions of their own below.
 void put_field(const OF_RELOC_TEMPLATE& rel, uint8_t* p, bool big, long value);
 
-uint32_t put_thumb_branch24(uint32_t pair, long value, bool wide);  // wide: J1 and J2 are in use
+uint32_t put_thumb_branch24(uint32_t pair, long value, bool wide); // wide: J1 and J2 are in use
 uint32_t put_thumb_branch19(uint32_t pair, long value);
 
 // Group relocations: position of the highest 8 bits of a value, rounded up to a multiple of align.
@@ -52,4 +53,4 @@ unsigned alu_mask_offset(uint64_t value, unsigned align);
 // What is left of a value for this relocation of its group.
 uint64_t mask_for_group(uint32_t template_id, uint64_t value);
 
-}  // namespace OFE
+} // namespace OFE
