@@ -4,12 +4,12 @@
 // nobody deletes them.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <set>
 #include <string>
 
 #include "DIAG/source_position.h"
+#include "UTIL/oalloc.h"
 
 class LINKER_OBJECT;
 class DIAGNOSTIC;
@@ -50,7 +50,7 @@ enum EXPR_STATUS : int {
     EXPR_REPEAT = 3
 };
 
-class EXPRESSION {
+class EXPRESSION : public OALLOC<EXPRESSION> {
   public:
     EXPRESSION(EXPR_OPCODE opcode, const SOURCE_POSITION* pos);
     /// A symbol. The name is not copied.
@@ -62,10 +62,6 @@ class EXPRESSION {
     EXPRESSION(EXPR_OPCODE opcode, EXPRESSION* left, EXPRESSION* right, const SOURCE_POSITION* pos);
     EXPRESSION(const EXPRESSION&) = delete;
     EXPRESSION& operator=(const EXPRESSION&) = delete;
-
-    /// Nodes come from a pool that lives to the end.
-    static void* operator new(std::size_t size);
-    static void operator delete(void*) {}
 
     /// -1, or with a width the tree `-1 & ((1 << bits) - 1)`.
     static EXPRESSION* minusone(unsigned bits);
@@ -116,6 +112,8 @@ class EXPRESSION {
     unsigned depth() const { return depth_; }
     /// Turns this node into the constant 0.
     void make_zero();
+    /// Replaces what an assignment assigns.
+    void set_right(EXPRESSION* right) { right_ = right; }
 
     /// Errors of evaluation aren't shown; what failed is to be tried again.
     static bool silent_m;

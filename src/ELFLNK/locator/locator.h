@@ -146,6 +146,7 @@ class LOCATOR {
     void set_max_address(uint64_t addr) { max_address_ = addr; }
     uint32_t priority() const { return priority_; }
     uint64_t available_space() const { return available_space_; }
+    void set_available_space(uint64_t n) { available_space_ = n; }
     uint64_t address() const { return address_; }
     /// One past the last unit.
     uint64_t end_address() const { return end_; }
@@ -157,8 +158,14 @@ class LOCATOR {
     MEMORY_RANGE* range() const { return range_; }
     void set_range(MEMORY_RANGE* range) { range_ = range; }
     /// The locators of a collection's members, of this kind.
-    const LOCATOR_LIST& sub_items() const { return sub_items_; }
-    LOCATOR_LIST& sub_items() { return sub_items_; }
+    const LOCATOR_LIST& sub_items() const {
+        if (sub_items_unsorted_) sort_late_sub_items();
+        return sub_items_;
+    }
+    LOCATOR_LIST& sub_items() {
+        if (sub_items_unsorted_) sort_late_sub_items();
+        return sub_items_;
+    }
     const LOCATOR_LIST& pending_items() const { return pending_items_; }
 
     // ---- questions --------------------------------------------------------------------------
@@ -194,6 +201,7 @@ class LOCATOR {
     /// Finds an assignment of the object that needs it in one piece; names its symbol.
     bool symdef_inhibits_splitting(const char** symbol_name);
     /// Debug text; ends with a newline only when placed.
+    std::string text() const;
     void dump(PPRINT* printer) const;
 
     // ---- placement --------------------------------------------------------------------------
@@ -233,7 +241,7 @@ class LOCATOR {
     uint64_t block(uint64_t addr, uint64_t size) const;
     uint64_t align_down(uint64_t addr, uint64_t size) const;
     /// May the other object share addresses with this one?
-    bool may_overlay(const LOCATOR* other) const;
+    bool may_overlay(LOCATOR* other);
 
     // ---- order ------------------------------------------------------------------------------
 
@@ -285,33 +293,46 @@ class LOCATOR {
     /// A new sub-item at a settled place, kept in address order.
     void place_subitem(LINKER_OBJECT* object, uint64_t start, uint64_t end);
     bool place_hole(LINKER_OBJECT* object, uint64_t start, uint64_t end);
+    /// Places a collection that fills a gap at its specific address; false if that can't be.
+    bool commit_specific_fill_sect();
     void set_failed_placement();
     void reset_placement();
 
   private:
-    void add_mem_for_bound_object();
-    void analyze_dot_expressions(COLLECTION* collection);
+    bool conflicts_with(uint32_t mask, const SOURCE_POSITION* pos);
+    void report_conflict(const SOURCE_POSITION* pos) const;
+    void sort_late_sub_items() const;
+    void report_ignored_priority();
+
+    void analyze_collection(COLLECTION* collection);
     void analyze_priority();
     void analyze_split();
-    bool hole_walk(MEMORY_RANGE* range, bool* needed);
-    bool indexed_walk(MEMORY_RANGE* trial, MEMORY_RANGE* range, uint64_t start, uint64_t final);
-    bool indexed_walk_down(MEMORY_RANGE* trial, MEMORY_RANGE* range, uint64_t start,
-                           uint64_t final);
-    bool overlay_test_is_on() const;
+    bool split_is_ignored();
+    void add_mem_for_bound_object();
+
+    bool walk_holes(MEMORY_RANGE* range, MEMORY_RANGE* trial, uint64_t start, uint64_t final,
+                    bool* needed);
+    bool search_holes(MEMORY_RANGE* range, MEMORY_RANGE* trial, uint64_t start, uint64_t final);
+    bool overlay_test_is_on();
     uint64_t smallest_hole();
+    bool prepare_collection();
     bool settle_start(MEMORY_RANGE* trial);
-    bool try_leaf(MEMORY_RANGE* trial);
-    void commit_final(MEMORY_RANGE* range);
+    void commit_final();
     void update_range(MEMORY_RANGE* range);
+    void forget_placement();
     void set_split_failed_placement();
     void set_unsplit_failed_and_reset();
-    bool place_member(LOCATOR* sub, MEMORY_RANGE* trial, uint64_t& cursor);
-    std::string failure_tail(const std::vector<MEMORY_RANGE*>& list);
+    void set_virtual_deep();
+    std::string failure_text(const std::vector<MEMORY_RANGE*>& list);
     void report_failure(const std::vector<MEMORY_RANGE*>& list);
-    void insert_sub_item_by_address(LOCATOR* item);
-    void analyze_sub_item(LOCATOR* sub);
+    bool place_member(LOCATOR* sub, MEMORY_RANGE* trial, uint64_t& cursor);
+    bool place_members(MEMORY_RANGE* trial);
+    bool place_split_members(MEMORY_RANGE* trial);
+    void coalesce_item(LOCATOR* item);
+    void bind_pad(LINKER_OBJECT* member, LOCATOR* run);
 
     LOCATOR_KIND kind_;
+    mutable bool sub_items_unsorted_ = false; // place_subitem() appended out of address order
     uint32_t flags_ = 0;
     LINKER_OBJECT* object_;
     const SOURCE_POSITION* position_ = nullptr;
@@ -326,7 +347,7 @@ class LOCATOR {
     uint32_t priority_ = 0;
     uint32_t attempts_ = 0;
     uint64_t available_space_ = 0;
-    LOCATOR_LIST sub_items_;
+    mutable LOCATOR_LIST sub_items_;
     LOCATOR_LIST pending_items_;
     uint64_t address_ = 0;
     uint64_t end_ = 0;

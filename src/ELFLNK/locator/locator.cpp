@@ -1,0 +1,211 @@
+// The wishes of a locator: what the command file and the generators of objects say about where an
+// object is to go. Conflicting wishes are reported here, as they come in; what the last one said
+// stands. Wishes that conflict with the object itself are settled by analyze(), in placement/.
+#include "ELFLNK/locator/locator.h"
+#include "ELFLNK/memmap/memory_range.h"
+
+#include <algorithm>
+
+#include "DIAG/elnk_msgs.h"
+#include "DIAG/source_position.h"
+#include "ELFLNK/object/collection.h"
+
+namespace {
+
+/// 0 counts as a power of two.
+bool is_power_of_two(uint64_t n) {
+    return (n & (n - 1)) == 0;
+}
+
+uint64_t round_up(uint64_t addr, uint64_t n) {
+    uint64_t rest = addr % n;
+    if (rest == 0) return addr;
+    return n - rest > ~addr ? ~uint64_t{0} : addr + (n - rest);
+}
+
+const char* name_of(const LINKER_OBJECT* object) {
+    return object ? object->name() : "";
+}
+
+} // namespace
+
+void LOCATOR::set_position(const SOURCE_POSITION* pos) {
+    if (pos != nullptr) position_ = new SOURCE_POSITION(*pos);
+}
+
+void LOCATOR::report_conflict(const SOURCE_POSITION* pos) const {
+    DIAG_REPORT_AT(pos, elnk_place_conflict, name_of(object_));
+}
+
+// ---- setters ----------------------------------------------------------------------------------
+
+void LOCATOR::add_specific(uint64_t addr, const SOURCE_POSITION* pos) {
+    if (has_flag(LF_SPECIFIC | LF_RANGES | LF_ATTRS | LF_HIGHEST)) report_conflict(pos);
+    set_position(pos);
+    specific_ = addr;
+    set_flag(LF_SPECIFIC);
+}
+
+void LOCATOR::add_ranges(const std::vector<const char*>& names, const SOURCE_POSITION* pos) {
+    if (names.empty()) return;
+    if (has_flag(LF_SPECIFIC | LF_RANGES | LF_ATTRS)) report_conflict(pos);
+    set_position(pos);
+    range_names_ = names;
+    set_flag(LF_RANGES);
+}
+
+void LOCATOR::add_attrs(uint32_t attrs, const SOURCE_POSITION* pos) {
+    if (has_flag(LF_SPECIFIC | LF_RANGES | LF_ATTRS)) report_conflict(pos);
+    set_position(pos);
+    attrs_ = attrs;
+    set_flag(LF_ATTRS);
+}
+
+void LOCATOR::add_page(int page, const SOURCE_POSITION* pos) {
+    if (has_flag(LF_PAGE)) DIAG_REPORT_AT(pos, elnk_page_exists, name_of(object_));
+    set_position(pos);
+    page_ = page;
+    set_flag(LF_PAGE);
+}
+
+void LOCATOR::add_priority(uint32_t n, const SOURCE_POSITION* pos) {
+    if (has_flag(LF_PRIORITY))
+        DIAG_REPORT_AT(pos, elnk_priority_exists, diag_kind(), name_of(object_));
+    set_position(pos);
+    priority_ = n;
+    set_flag(LF_PRIORITY);
+}
+
+void LOCATOR::add_align(uint64_t n, const SOURCE_POSITION* pos) {
+    if (has_flag(LF_ALIGN)) DIAG_REPORT_AT(pos, elnk_align_exists, name_of(object_));
+    if (!is_power_of_two(n)) {
+        DIAG_REPORT_AT(pos, elnk_bad_align_val);
+        return;
+    }
+    set_position(pos);
+    align_ = std::max(align_, n);
+    set_flag(LF_ALIGN);
+}
+
+void LOCATOR::add_block(uint64_t n, const SOURCE_POSITION* pos) {
+    if (has_flag(LF_BLOCK)) DIAG_REPORT_AT(pos, elnk_blocking_exists, name_of(object_));
+    if (!is_power_of_two(n)) {
+        DIAG_REPORT_AT(pos, elnk_bad_align_val);
+        return;
+    }
+    set_position(pos);
+    block_ = n;
+    set_flag(LF_BLOCK);
+}
+
+void LOCATOR::add_palign(uint64_t n, const SOURCE_POSITION* pos) {
+    add_align(n, pos);
+    set_flag(LF_PALIGN);
+}
+
+void LOCATOR::add_p2align(const SOURCE_POSITION* pos) {
+    add_align(0, pos);
+    set_flag(LF_POWER2);
+}
+
+void LOCATOR::add_min_align(uint64_t n) {
+    if (n < 2 || !is_power_of_two(n)) return;
+    align_ = std::max(align_, n);
+    set_flag(LF_ALIGN);
+}
+
+void LOCATOR::add_min_block(uint64_t n) {
+    if (n < 2 || !is_power_of_two(n)) return;
+    block_ = std::max(block_, n);
+    set_flag(LF_BLOCK);
+}
+
+void LOCATOR::merge(const LOCATOR* other) {
+    const SOURCE_POSITION* pos = other->position_;
+    if (other->has_flag(LF_SPECIFIC)) add_specific(other->specific_, pos);
+    if (other->has_flag(LF_RANGES)) add_ranges(other->range_names_, pos);
+    if (other->has_flag(LF_ATTRS)) add_attrs(other->attrs_, pos);
+    if (other->has_flag(LF_PAGE)) add_page(other->page_, pos);
+    if (other->has_flag(LF_PRIORITY)) add_priority(other->priority_, pos);
+    if (other->has_flag(LF_ALIGN)) {
+        align_ = other->align_;
+        set_flag(LF_ALIGN);
+    }
+    set_flag(other->flags_ & LF_PALIGN);
+    if (other->has_flag(LF_BLOCK)) {
+        block_ = other->block_;
+        set_flag(LF_BLOCK);
+    }
+    set_flag(other->flags_ &
+             (LF_UNORDERED | LF_LAST | LF_OVERLAY | LF_UNION | LF_HIGHEST | LF_POWER2));
+
+    bool split = (is_split() || other->is_split()) && object_ && object_->is_collection();
+    clear_flag(LF_SPLIT | LF_ORDERED);
+    if (split) set_flag(LF_SPLIT);
+    set_flag(other->flags_ & LF_ORDERED);
+}
+
+// ---- small questions --------------------------------------------------------------------------
+
+const char* LOCATOR::diag_kind() const {
+    switch (kind_) {
+    case LOCATOR_KIND::RUN:
+    case LOCATOR_KIND::RUN_ALT:
+        return "run ";
+    case LOCATOR_KIND::LOAD:
+        return "load ";
+    case LOCATOR_KIND::BOTH:
+        break;
+    }
+    return "";
+}
+
+bool LOCATOR::is_fixed_min_size() const {
+    return object_ && object_->is_collection() &&
+           static_cast<const COLLECTION*>(object_)->has_fixed_min_size();
+}
+
+bool LOCATOR::less_by_address(const LOCATOR* a, const LOCATOR* b) {
+    if (a->address_ != b->address_) return a->address_ < b->address_;
+    if (a->end_ != b->end_) return a->end_ < b->end_;
+    return a->object_->id() < b->object_->id();
+}
+
+void LOCATOR::sort_by_address(LOCATOR_LIST& list) {
+    if (!std::is_sorted(list.begin(), list.end(), less_by_address))
+        std::stable_sort(list.begin(), list.end(), less_by_address);
+}
+
+void LOCATOR::sort_by_address_rev(LOCATOR_LIST& list) {
+    std::stable_sort(list.begin(), list.end(), less_by_address_rev);
+}
+
+void LOCATOR::sort_late_sub_items() const {
+    sub_items_unsorted_ = false;
+    sort_by_address(sub_items_);
+}
+
+// ---- rounding ---------------------------------------------------------------------------------
+
+uint64_t LOCATOR::align(uint64_t addr, uint64_t n) const {
+    if (n == 0) {
+        if (!has_flag(LF_ALIGN) || align_ < 2) return addr;
+        n = align_;
+    }
+    return round_up(addr, n);
+}
+
+uint64_t LOCATOR::block(uint64_t addr, uint64_t size) const {
+    if (!has_flag(LF_BLOCK) || block_ < 2) return addr;
+    uint64_t next = round_up(addr, block_);
+    bool crosses = size > next - addr;
+    return crosses || block_ <= size ? next : addr;
+}
+
+// The blocking test of this direction takes the alignment, not the blocking.
+uint64_t LOCATOR::align_down(uint64_t addr, uint64_t size) const {
+    if (!has_flag(LF_ALIGN | LF_BLOCK) || align_ < 2) return addr;
+    if (!has_flag(LF_BLOCK) || size >= align_) return addr - addr % align_;
+    uint64_t boundary = addr + size - (addr + size) % align_;
+    return boundary > addr && boundary >= size ? boundary - size : addr;
+}

@@ -1,0 +1,258 @@
+// First fit within one range: the holes between what is already placed are tried in address order
+// (from the top for HIGH), and the first in which the whole attempt succeeds takes the object.
+//
+// An attempt works on a trial copy of the range, cut to the hole; it commits to the range only on
+// success, so a failed one leaves nothing behind. Holes that are certainly too small are not tried
+// at all: the range's index of holes finds the next one that may do. Where items may be overlaid
+// or the order of attempts itself counts, the contents are walked one by one.
+#include <algorithm>
+
+#include "DIAG/elnk_msgs.h"
+#include "DIAG/source_position.h"
+#include "ELFLNK/locator/locator.h"
+#include "ELFLNK/memmap/memory_range.h"
+#include "ELFLNK/object/collection.h"
+#include "ELFLNK/placement/order/worklist.h"
+#include "ELFLNK/placement/placement.h"
+#include "ELFLNK/target/target.h"
+
+namespace {
+
+/// Tries the hole [begin, end) of the walk; inverted holes never count, empty ones only for an
+/// object of size 0.
+bool hole_counts(uint64_t begin, uint64_t end, bool zero_size) {
+    return begin < end || (begin == end && zero_size);
+}
+
+bool overlays_members(const LINKER_OBJECT* object) {
+    const LOCATOR* run = object ? object->run_locator() : nullptr;
+    return run != nullptr && run->is_overlay();
+}
+
+} // namespace
+
+bool LOCATOR::overlay_test_is_on() {
+    return Target->may_overlay(this, nullptr) ||
+           (!is_load() && overlays_members(object_->parent()));
+}
+
+bool LOCATOR::may_overlay(LOCATOR* other) {
+    if (Target->may_overlay(this, other)) return true;
+    if (is_load()) return false;
+    if (other->address_ == other->end_) return true;
+    return other->object_->has_common_parent(object_) && overlays_members(object_->parent());
+}
+
+bool LOCATOR::insert_into_range(MEMORY_RANGE* range, bool* needed) {
+    if (needed != nullptr) *needed = false;
+    bool in_root = is_placed() && range_ != nullptr && range_->parent() == nullptr;
+    if (in_root && !range_->is_temp_layout())
+        DIAG_REPORT(elnk_already_placed, diag_kind(), object_->name());
+    object_->update_before_placement(static_cast<PLACEMENT_PHASE>(placement_state().phase));
+
+    MEMORY_RANGE trial(range);
+    uint64_t low = std::max(range->origin(), min_address_);
+    uint64_t high = std::min(range->end(), max_address_);
+    if (low > high) return false;
+    uint64_t start = is_highest() ? high : low;
+    uint64_t final = is_highest() ? low : high;
+
+    if (object_->size() == 0 && !object_->has_assign_to_dot_expression()) {
+        trial.set_subrange_endpoints(low, high);
+        return attempt_placement(&trial);
+    }
+    bool only_tail = !is_highest() && has_flag(LF_LAST | LF_BEHIND_LAST);
+    if (only_tail) {
+        if (!range->contents().empty())
+            start = std::max(start, (*range->contents().rbegin())->end_address());
+        if (start > final) return false;
+        trial.set_subrange_endpoints(start, final);
+        return attempt_placement(&trial);
+    }
+    bool every_attempt_counts = has_flag(LF_ONE_ATTEMPT | LF_POWER2) || object_->size() == 0;
+    if (every_attempt_counts || overlay_test_is_on())
+        return walk_holes(range, &trial, start, final, needed);
+    return search_holes(range, &trial, start, final);
+}
+
+bool LOCATOR::insert_with_retry(LOCATOR* sub, MEMORY_RANGE* range) {
+    return sub->insert_into_range(range);
+}
+
+/// The plain walk over the contents, with the skipping of items that may be overlaid.
+bool LOCATOR::walk_holes(MEMORY_RANGE* range, MEMORY_RANGE* trial, uint64_t start, uint64_t final,
+                         bool* /*needed*/) {
+    bool overlay_test = overlay_test_is_on();
+    bool zero_size = object_->size() == 0;
+    bool down = is_highest();
+    auto try_hole = [&](uint64_t begin, uint64_t end, bool empty_counts) {
+        if (!hole_counts(begin, end, empty_counts)) return false;
+        trial->set_subrange_endpoints(begin, end);
+        return attempt_placement(trial);
+    };
+    auto pass = [&](LOCATOR* item) {
+        if (overlay_test && may_overlay(item)) return false;
+        if (down) {
+            uint64_t begin = std::max(item->end_, min_address_);
+            if (try_hole(begin, start, zero_size)) return true;
+            start = std::min(start, item->address_);
+        } else {
+            uint64_t end = std::min(item->address_, max_address_);
+            if (try_hole(start, end, zero_size)) return true;
+            start = std::max(start, item->end_);
+        }
+        return false;
+    };
+    const auto& contents = range->contents();
+    if (down) {
+        for (auto it = contents.rbegin(); it != contents.rend(); ++it)
+            if (pass(*it)) return true;
+        return try_hole(final, start, true);
+    }
+    for (LOCATOR* item : contents)
+        if (pass(item)) return true;
+    return try_hole(start, final, true);
+}
+
+/// The least length of a hole in which an attempt can succeed.
+uint64_t LOCATOR::smallest_hole() {
+    if (is_split()) return 1;
+    if (!object_->is_collection()) return object_->size();
+    bool laid_out = static_cast<COLLECTION*>(object_)->layout_locator() != nullptr;
+    return std::max<uint64_t>(1, laid_out ? object_->size() : object_->est_size_min());
+}
+
+/// The same search by the index of holes: one step per hole in which an attempt may succeed.
+bool LOCATOR::search_holes(MEMORY_RANGE* range, MEMORY_RANGE* trial, uint64_t start,
+                           uint64_t final) {
+    auto try_hole = [&](const HOLE& hole) {
+        trial->set_subrange_endpoints(hole.start, hole.end);
+        return attempt_placement(trial);
+    };
+    HOLE hole;
+    if (has_flag(LF_SPECIFIC)) {
+        // Only the hole around the address is tried, and only its part from there on counts.
+        start = std::max(start, specific_);
+        return range->first_hole(start, final, 1, 1, &hole) && hole.start == specific_ &&
+               try_hole(hole);
+    }
+    uint64_t length = smallest_hole();
+    if (is_highest()) {
+        while (range->last_hole(final, start, length, &hole)) {
+            if (try_hole(hole)) return true;
+            start = hole.start;
+        }
+        return false;
+    }
+    uint64_t alignment = has_flag(LF_ALIGN) && align_ >= 2 && !is_split() ? align_ : 1;
+    while (range->first_hole(start, final, length, alignment, &hole)) {
+        if (try_hole(hole)) return true;
+        start = hole.end;
+    }
+    return false;
+}
+
+/// Settles the start of the object within the trial, which shrinks to the part from there on.
+bool LOCATOR::settle_start(MEMORY_RANGE* trial) {
+    uint64_t start = trial->origin();
+    if (has_flag(LF_SPECIFIC)) {
+        start = specific_;
+        set_flag(LF_SPECIFIC_TRIED);
+        if (align(start) != start)
+            DIAG_REPORT_AT(position_, elnk_place_specific_override_align, start, align_,
+                           object_->name());
+    } else {
+        start = align(start);
+        if (has_flag(LF_BLOCK) && block_ >= 2) start = block(start, object_->size());
+        if (start < trial->origin()) return false;
+    }
+    if (start > trial->end()) return false;
+    trial->set_subrange_endpoints(start, trial->end());
+    return true;
+}
+
+/// Sub-items exist and stand in their order.
+bool LOCATOR::prepare_collection() {
+    if (sub_items_.empty()) extract_subitems();
+    if (attempts_ <= 1) sort_subitems();
+    return true;
+}
+
+bool LOCATOR::attempt_placement(MEMORY_RANGE* trial) {
+    if (has_flag(LF_SPECIFIC) && !trial->holds(specific_)) return false;
+    if (has_flag(LF_POWER2)) pre_place_p2align();
+    if (!trial->is_temp_layout()) ++attempts_;
+    if (attempts_ > 1 && has_flag(LF_ONE_ATTEMPT)) return false;
+    trial->clear_contents();
+    clear_pending_items();
+
+    COLLECTION* collection = object_->is_collection() ? static_cast<COLLECTION*>(object_) : nullptr;
+    if (collection != nullptr) prepare_collection();
+    if (is_split())
+        return has_flag(LF_BLOCK) ? place_blocked_split_collection(trial)
+                                  : place_split_collection(trial);
+    if (!settle_start(trial)) return false;
+    if (collection == nullptr) {
+        if (!fit_into_subrange(trial)) return false;
+        commit(trial->parent());
+        return true;
+    }
+    return collection->layout_locator() != nullptr ? place_duplicate(trial)
+                                                   : place_collection(trial);
+}
+
+bool LOCATOR::fit_into_subrange(MEMORY_RANGE* trial) {
+    uint64_t size = object_->size();
+    if (size > trial->length()) return false;
+    uint64_t start = trial->origin();
+    if (is_highest()) start = std::max(start, align_down(trial->end() - size, size));
+    set_extent(start, start + size);
+    return true;
+}
+
+// ---- commit and undo --------------------------------------------------------------------------
+
+void LOCATOR::update_range(MEMORY_RANGE* range) {
+    range_ = range;
+    for (LOCATOR* sub : sub_items_) sub->update_range(range);
+    for (LOCATOR* item : pending_items_) item->update_range(range);
+}
+
+void LOCATOR::commit(MEMORY_RANGE* range) {
+    bool in_root = is_placed() && range_ != nullptr && range_->parent() == nullptr;
+    if (is_virtual() && in_root && !range_->is_temp_layout()) return;
+    range->add_item(this, false);
+    update_range(range);
+    set_flag(LF_PLACED | LF_COMPLETE);
+    if (range->parent() != nullptr) return;
+    if (!range->is_temp_layout()) add_pending_items_to_object();
+    commit_final();
+}
+
+/// The placement stands: the objects learn of it, members first.
+void LOCATOR::commit_final() {
+    sort_by_address(sub_items());
+    for (LOCATOR* sub : sub_items_) sub->commit_final();
+    object_->update_upon_placement();
+}
+
+/// The flags and the range of what lies below, without a word to the range.
+void LOCATOR::forget_placement() {
+    range_ = nullptr;
+    clear_flag(LF_PLACED | LF_COMPLETE);
+    for (LOCATOR* sub : sub_items_) sub->forget_placement();
+    if (is_run_or_both()) {
+        clear_pending_items();
+        if (object_->padding() != nullptr) object_->detach_padding();
+    }
+}
+
+void LOCATOR::uncommit() {
+    if (is_placed()) {
+        if (range_ != nullptr) range_->remove_item(this, false);
+    } else {
+        for (LOCATOR* sub : sub_items_)
+            if (sub->is_placed()) sub->uncommit();
+    }
+    forget_placement();
+}

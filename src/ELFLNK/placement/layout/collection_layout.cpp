@@ -1,0 +1,239 @@
+// How the members of a collection are laid out inside the trial range that the search has cut to a
+// hole: an ordered collection member by member, each at or above the end of the one before; an
+// unordered one by first fit in the order of the worklist; a UNION with all members at the start.
+//
+// A collection is laid out once. Its second placement (the load image of what runs elsewhere, or
+// the final one of what was laid out beforehand) copies the relative addresses of the first.
+#include <algorithm>
+#include <bit>
+
+#include "DIAG/elnk_msgs.h"
+#include "DIAG/source_position.h"
+#include "ELFLNK/expr/expr_mgr.h"
+#include "ELFLNK/locator/locator.h"
+#include "ELFLNK/memmap/memory_range.h"
+#include "ELFLNK/object/collection.h"
+#include "ELFLNK/object/space.h"
+#include "ELFLNK/placement/order/worklist.h"
+
+namespace {
+
+LOCATOR* locator_of_kind(const LINKER_OBJECT* object, LOCATOR_KIND kind) {
+    switch (kind) {
+    case LOCATOR_KIND::RUN_ALT:
+        return object->alt_run_locator();
+    case LOCATOR_KIND::LOAD:
+        return object->load_locator();
+    case LOCATOR_KIND::RUN:
+    case LOCATOR_KIND::BOTH:
+        break;
+    }
+    return object->run_locator();
+}
+
+/// Wishes of a member of a placed collection don't count.
+constexpr uint32_t WISHES = LF_PLACEMENT_MASK | LF_PRIORITY | LF_HIGHEST | LF_SPLIT;
+static_assert(WISHES == 0x10409E);
+
+} // namespace
+
+// ---- sub-items --------------------------------------------------------------------------------
+
+void LOCATOR::extract_subitems() {
+    COLLECTION* collection = as_collection(object_);
+    if (collection == nullptr || !sub_items_.empty()) return;
+    for (LINKER_OBJECT* member : collection->members()) {
+        if (is_load() && is_split() && !member->has_attr(PA_HAS_DATA)) continue;
+        LOCATOR* sub = locator_of_kind(member, kind_);
+        if (sub == nullptr) {
+            sub = new LOCATOR(kind_, member);
+            member->add_locator(sub);
+        } else if (member->has_attr(PA_ALLOCATED) && !sub->placement_specified()) {
+            sub->kind_ = kind_;
+        }
+        sub->clear_flag(WISHES);
+        if (is_split() && member->is_collection() && !member->has_attr(PA_NOSPLIT))
+            sub->set_flag(LF_SPLIT);
+        sub->set_flag(flags_ & (LF_VIRTUAL | LF_BEHIND_LAST));
+        sub->analyze();
+        sub_items_.push_back(sub);
+    }
+}
+
+void LOCATOR::sort_subitems() {
+    if (is_ordered() && !(is_load() && object_->run_placement_is_complete())) return;
+    sort_worklist(sub_items(), false);
+}
+
+void LOCATOR::subitem_extremities(LOCATOR*& lowest, LOCATOR*& highest) const {
+    lowest = highest = nullptr;
+    auto look_at = [&](LOCATOR* item) {
+        if (!item->is_placed()) return;
+        if (lowest == nullptr || item->address_ < lowest->address_) lowest = item;
+        if (highest == nullptr || item->end_ > highest->end_) highest = item;
+    };
+    for (LOCATOR* sub : sub_items_)
+        if (!sub->is_virtual() || is_virtual()) look_at(sub);
+    for (LOCATOR* item : pending_items_) look_at(item);
+}
+
+// ---- the first placement ----------------------------------------------------------------------
+
+bool LOCATOR::place_member(LOCATOR* sub, MEMORY_RANGE* trial, uint64_t& cursor) {
+    if (is_ordered()) sub->min_address_ = cursor;
+    if (sub->object_->is_dot_expression()) assign_to_dot(sub, cursor);
+    if (sub->is_virtual() && !trial->is_hidden()) {
+        uint64_t place = cursor;
+        if (is_overlay()) place = std::max(trial->origin(), min_address_);
+        if (is_highest()) place = std::min(trial->end(), max_address_);
+        sub->place_virtual(place);
+        return true;
+    }
+    if (!insert_with_retry(sub, trial)) return false;
+    cursor = sub->end_;
+    return true;
+}
+
+bool LOCATOR::place_members(MEMORY_RANGE* trial) {
+    uint64_t cursor = trial->origin();
+    for (LOCATOR* sub : sub_items())
+        if (!place_member(sub, trial, cursor)) return false;
+    if (!add_padding_to_subitems(trial)) return false;
+    set_collection_endpoints();
+    if (has_flag(LF_SPECIFIC_TRIED)) address_ = trial->origin();
+    return trial->end() >= end_;
+}
+
+bool LOCATOR::place_collection(MEMORY_RANGE* trial) {
+    if (object_->est_size_min() > trial->length()) return false;
+    set_extent(trial->origin(), trial->origin());
+    if (!place_members(trial)) {
+        uncommit();
+        return false;
+    }
+    commit(trial->parent());
+    return true;
+}
+
+void LOCATOR::set_collection_endpoints() {
+    LOCATOR* lowest;
+    LOCATOR* highest;
+    subitem_extremities(lowest, highest);
+    if (lowest != nullptr) set_extent(lowest->address_, highest->end_);
+    object_->clear_attr(PA_PADDED);
+    if (highest != nullptr) object_->set_attr(highest->object_->attrs() & PA_PADDED);
+    if (has_flag(LF_ALIGN | LF_BLOCK) && align_ >= 2) address_ -= address_ % align_;
+    if (has_flag(LF_PALIGN)) {
+        uint64_t padded = align(end_);
+        if (padded != end_) object_->set_attr(PA_PADDED);
+        end_ = padded;
+    }
+    if (is_fixed_min_size())
+        end_ = std::max(end_, address_ + as_collection(object_)->fixed_min_size());
+}
+
+void LOCATOR::assign_to_dot(LOCATOR* dot, uint64_t addr) {
+    if (!dot->object_->is_dot_expression()) DIAG_REPORT(elnk_lobj_wrong_type, dot->object_->name());
+    auto* object = static_cast<DOT_EXPRESSION*>(dot->object_);
+    if (object->expression() == nullptr) {
+        object->set_dot_origin(0);
+        object->set_size(0);
+        return;
+    }
+    if (dot->is_load()) DIAG_REPORT(elnk_bad_dot_context);
+    dot->set_extent(addr, addr);
+    object->set_dot_origin(address_);
+    uint64_t offset = addr - address_;
+    // The dot is where it is for this evaluation, whatever becomes of the attempt.
+    dot->set_flag(LF_COMPLETE);
+    auto value =
+        static_cast<uint64_t>(get_expr_mgr()->evaluate(object->expression(), object, true));
+    dot->clear_flag(LF_COMPLETE);
+    if (value < offset) {
+        DIAG_REPORT_AT(&object->source_position(), elnk_dot_reduces_offset, offset, value);
+        value = offset;
+    }
+    object->set_size(value - offset);
+    set_flag(LF_SPECIFIC_TRIED);
+}
+
+// ---- the second placement ---------------------------------------------------------------------
+
+bool LOCATOR::place_duplicate(MEMORY_RANGE* trial) {
+    const LOCATOR* layout = as_collection(object_)->layout_locator();
+    if (layout == nullptr) DIAG_REPORT(elnk_place_no_existing_placement);
+    uint64_t old_address = layout->address_; // the layout may be this locator's own
+    if (!fit_into_subrange(trial)) return false;
+    copy_layout(trial, layout, address_ - old_address);
+    commit(trial->parent());
+    return true;
+}
+
+void LOCATOR::copy_layout(MEMORY_RANGE* range, const LOCATOR* source, uint64_t delta) {
+    if (sub_items().empty()) extract_subitems();
+    for (LOCATOR* sub : sub_items()) {
+        const LOCATOR* first = locator_of_kind(sub->object_, source->kind_);
+        if (first == nullptr || !first->has_flag(LF_PLACED | LF_PRE_PLACED))
+            DIAG_REPORT(elnk_place_no_existing_placement);
+        if (sub->is_virtual() && sub->is_placed()) continue; // it stands in a range of its own
+        uint64_t start = first->address_ + delta;
+        sub->set_extent(start, start + sub->object_->size());
+        sub->range_ = range;
+        sub->set_flag(LF_PLACED | LF_COMPLETE);
+        if (sub->object_->is_collection()) sub->copy_layout(range, first, delta);
+        if (sub->end_ > end_) DIAG_REPORT(elnk_place_size_mismatch);
+    }
+}
+
+// ---- layout before placement ------------------------------------------------------------------
+
+void LOCATOR::pre_placement_layout() {
+    const COLLECTION* collection = as_collection(object_);
+    if (collection == nullptr || collection->layout_locator() != nullptr) return;
+    MEMORY_RANGE layout("TEMP_LAYOUT_RANGE", 0, no_limit,
+                        MEMORY_RANGE::ATTR_HIDDEN | MEMORY_RANGE::ATTR_TEMP_LAYOUT);
+    if (!insert_into_range(&layout)) {
+        fail_placement({}, false);
+        return;
+    }
+    set_pre_placed();
+    layout.clear_contents();
+}
+
+/// The layout stays, the range in which it was found doesn't.
+void LOCATOR::set_pre_placed() {
+    set_flag(LF_PRE_PLACED);
+    clear_flag(LF_PLACED | LF_COMPLETE);
+    range_ = nullptr;
+    for (LOCATOR* sub : sub_items()) sub->set_pre_placed();
+}
+
+void LOCATOR::pre_place_highest() {
+    clear_flag(LF_HIGHEST | LF_SPLIT);
+    pre_placement_layout();
+    if (is_virtual()) return; // the layout failed, the object has its place
+    set_flag(LF_HIGHEST);
+    const COLLECTION* collection = as_collection(object_);
+    if (collection == nullptr) return;
+    std::vector<LINKER_OBJECT*> sections;
+    collection->flatten(sections, &LINKER_OBJECT::is_section);
+    for (const LINKER_OBJECT* section : sections) add_min_align(section->blocking());
+}
+
+void LOCATOR::pre_place_p2align() {
+    COLLECTION* collection = as_collection(object_);
+    if (collection == nullptr) return;
+    clear_flag(LF_POWER2);
+    pre_placement_layout();
+    set_flag(LF_POWER2);
+    uint64_t size = end_ - address_;
+    if (size != 0 && size <= no_limit / 2 + 1) {
+        size = std::bit_ceil(size);
+        collection->set_fixed_min_size(size);
+    }
+    add_min_align(size);
+    if (LOCATOR* load = object_->load_locator()) load->add_min_align(size);
+    end_ = address_ + size;
+    collection->flush_size();
+    collection->update_size();
+}

@@ -1,0 +1,122 @@
+// Split placement (>>): the members of a collection are spread over the holes of a range and over
+// several ranges. An item is never cut; what has found a place in one hole keeps it, and the next
+// hole is tried with the rest. Afterwards the parts become output sections of their own, and the
+// locator of the container is rebuilt from them.
+#include <algorithm>
+
+#include "DIAG/elnk_msgs.h"
+#include "ELFLNK/locator/locator.h"
+#include "ELFLNK/memmap/memory_range.h"
+#include "ELFLNK/object/collection.h"
+#include "ELFLNK/placement/order/worklist.h"
+
+/// One walk over the members that have no place yet; true if none is left over.
+bool LOCATOR::place_split_members(MEMORY_RANGE* trial) {
+    bool all = true;
+    for (LOCATOR* sub : sub_items()) {
+        if (sub->is_complete()) continue;
+        sub->clear_flag(LF_SPLIT_PLACED | LF_HIGHEST);
+        if (sub->is_virtual() && !trial->is_hidden()) {
+            sub->place_virtual(trial->origin());
+            set_flag(LF_SPLIT_PLACED);
+        } else if (sub->fits_in_range(trial) && insert_with_retry(sub, trial)) {
+            set_flag(LF_SPLIT_PLACED);
+        } else {
+            all = false;
+            set_flag(sub->flags_ & LF_SPLIT_PLACED);
+        }
+    }
+    return all;
+}
+
+bool LOCATOR::place_split_collection(MEMORY_RANGE* trial) {
+    uint64_t start = align(trial->origin());
+    if (start < trial->origin() || start > trial->end()) return false;
+    trial->set_subrange_endpoints(start, trial->end());
+    bool pads = is_run_or_both();
+    if (pads && !reserve_space_for_padding(trial)) return false;
+    bool all = place_split_members(trial);
+    if (pads) unreserve_space_for_padding(trial);
+    if (trial->contents().empty()) return false;
+
+    if (!add_padding_to_subitems(trial)) DIAG_REPORT(elnk_pad_placement_failed, object_->name());
+    MEMORY_RANGE* range = trial->parent();
+    for (LOCATOR* item : trial->contents()) item->commit(range);
+    if (range->parent() == nullptr) add_pending_items_to_object();
+    if (all) set_flag(LF_COMPLETE);
+    return all;
+}
+
+/// The hole is cut into windows that stay within one block.
+bool LOCATOR::place_blocked_split_collection(MEMORY_RANGE* trial) {
+    if (block_ == 0) return place_split_collection(trial);
+    uint64_t end = trial->end();
+    uint64_t start = align(trial->origin());
+    uint64_t window_end = start;
+    while (start >= trial->origin() && start < end) {
+        uint64_t boundary = window_end - window_end % block_ + block_;
+        window_end = boundary < window_end ? end : std::min(boundary, end);
+        MEMORY_RANGE window(trial->parent());
+        window.set_subrange_endpoints(start, window_end);
+        clear_flag(LF_SPLIT_PLACED);
+        if (place_split_collection(&window)) return true;
+        if (has_flag(LF_SPLIT_PLACED) || start % block_ != 0) start = window_end;
+        if (window_end == end) break;
+    }
+    return false;
+}
+
+// ---- after the split --------------------------------------------------------------------------
+
+bool LOCATOR::is_adjacent(const LOCATOR* a, const LOCATOR* b) {
+    if (a == nullptr || b == nullptr) return a == b;
+    if (!a->is_placed() || !b->is_placed() || a->range_ != b->range_) return false;
+    if (a->address_ == b->address_) return true;
+    if (a->range_ == nullptr) return false;
+    const LOCATOR_SET& contents = a->range_->contents();
+    auto follows = [&](const LOCATOR* first, const LOCATOR* second) {
+        auto at = contents.find(const_cast<LOCATOR*>(first));
+        return at != contents.end() && ++at != contents.end() && *at == second;
+    };
+    return follows(a, b) || follows(b, a);
+}
+
+/// Takes over what the items of a new output section say of its place.
+void LOCATOR::coalesce_item(LOCATOR* item) {
+    if (!item->object_->is_collection()) return;
+    item->extract_subitems();
+    item->set_collection_endpoints();
+    const LOCATOR* placed = nullptr;
+    for (const LOCATOR* part : item->sub_items_)
+        if (part->is_placed()) placed = part;
+    if (placed == nullptr) return;
+    item->range_ = placed->range_;
+    item->clear_flag(LF_SPLIT | LF_SPLIT_FAILED);
+    item->set_flag(LF_PLACED | LF_COMPLETE | (placed->flags_ & LF_SPLIT_FAILED));
+}
+
+void LOCATOR::coalesce() {
+    bool was_whole = is_placed() && !is_split();
+    if (was_whole && range_ != nullptr) range_->remove_item(this, false);
+    sub_items_.clear();
+    set_flag(LF_ORDERED);
+    extract_subitems();
+    for (LOCATOR* item : sub_items_) {
+        coalesce_item(item);
+        if (!item->is_placed() || item->range_ == nullptr || item->range_->parent() != nullptr)
+            continue;
+        if (!was_whole)
+            for (LOCATOR* part : item->sub_items_) item->range_->remove_item(part, false);
+        item->range_->add_item(item, false);
+    }
+}
+
+void LOCATOR::convert_run_loc_to_alt_run() {
+    if (!is_run_or_both()) return;
+    kind_ = LOCATOR_KIND::RUN_ALT;
+    LOCATOR* load = object_->load_locator();
+    object_->add_locator(nullptr);
+    object_->add_locator(this);
+    if (load != nullptr) object_->add_locator(load);
+    for (LOCATOR* sub : sub_items()) sub->convert_run_loc_to_alt_run();
+}

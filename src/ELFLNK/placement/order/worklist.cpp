@@ -1,0 +1,144 @@
+// See the header. Kinds of objects that have a place of their own in the order are taken out into
+// buckets; the others are sorted by the comparison and, where constraints exist, by the graph.
+//
+// A comparison sort alone gives the order where no constraints exist; the graph costs a step per
+// pair and is built only for what a comparison can't express.
+#include "ELFLNK/placement/order/worklist.h"
+
+#include <algorithm>
+
+#include "DIAG/elnk_msgs.h"
+#include "DIAG/source_position.h"
+#include "ELFLNK/object/linker_object.h"
+#include "ELFLNK/placement/order/priority_dag.h"
+#include "ELFLNK/target/abi.h"
+#include "ELFLNK/target/target.h"
+#include "OPTIONGEN/option_obj.h"
+
+namespace {
+
+/// The order in which the buckets stand at the end.
+enum BUCKET { SPECIFIC, MAIN, LAST, COPY_TABLES, EXIDX, DYNAMIC, VIRTUAL, BUCKETS };
+
+BUCKET bucket_of(const LOCATOR* locator) {
+    const LINKER_OBJECT* object = locator->object();
+    if (locator->has_flag(LF_SPECIFIC)) return SPECIFIC;
+    if (locator->is_virtual()) return VIRTUAL;
+    if (object->is_dynamic()) return DYNAMIC;
+    if (object->is_copy_table()) return COPY_TABLES;
+    if (object->is_exidx()) return EXIDX;
+    return locator->has_flag(LF_LAST) ? LAST : MAIN;
+}
+
+using KEYS = std::vector<ORDER_KEY>;
+
+void sort_keys(KEYS& keys, const ORDER_CONTEXT& context) {
+    std::stable_sort(keys.begin(), keys.end(), [&](const ORDER_KEY& a, const ORDER_KEY& b) {
+        return context.compare(a, b) < 0;
+    });
+}
+
+/// Is there anything that the comparison alone doesn't respect?
+bool has_constraints(const KEYS& keys) {
+    const LOCATOR* carrier = nullptr;
+    for (const ORDER_KEY& key : keys) {
+        const LOCATOR* locator = key.locator;
+        if (locator->is_run() && locator->object()->has_attr(PA_HAS_DATA)) return true;
+        if (!locator->has_flag(LF_PRIORITY)) continue;
+        if (carrier != nullptr && locator->priority() != carrier->priority()) return true;
+        carrier = locator;
+    }
+    return false;
+}
+
+void order_by_graph(KEYS& keys, const ORDER_CONTEXT& context) {
+    PLACEMENT_PRIORITY_DAG graph(context, keys);
+    graph.add_run_before_load_edges();
+    graph.add_user_priority_edges();
+    graph.add_competing_edges();
+    keys = graph.order_placement_worklist(graph.find_single_root_node());
+}
+
+/// Without the graph: carriers of a priority by ascending number, each in front of the first
+/// carrier that isn't lower.
+void order_carriers(KEYS& keys) {
+    KEYS carriers;
+    for (const ORDER_KEY& key : keys)
+        if (key.locator->has_flag(LF_PRIORITY)) carriers.push_back(key);
+    std::stable_sort(carriers.begin(), carriers.end(), [](const ORDER_KEY& a, const ORDER_KEY& b) {
+        return LOCATOR::node_priority_less(a.locator, b.locator);
+    });
+    for (const ORDER_KEY& carrier : carriers) {
+        auto self = std::find_if(keys.begin(), keys.end(), [&](const ORDER_KEY& key) {
+            return key.locator == carrier.locator;
+        });
+        auto target = std::find_if(keys.begin(), keys.end(), [&](const ORDER_KEY& key) {
+            return key.locator->has_flag(LF_PRIORITY) && key.locator != carrier.locator &&
+                   key.locator->priority() >= carrier.locator->priority();
+        });
+        if (target < self) std::rotate(target, self, self + 1);
+        if (self < target && target != keys.end()) std::rotate(self, self + 1, target);
+    }
+}
+
+/// Without the graph: a run placement moves in front of the load placement of what it contains.
+void order_runs_before_loads(KEYS& keys) {
+    std::vector<size_t> loads;
+    for (size_t i = 0; i < keys.size(); ++i) {
+        const LOCATOR* locator = keys[i].locator;
+        if (locator->is_load()) loads.push_back(i);
+        if (!locator->is_run()) continue;
+        auto found = std::find_if(loads.begin(), loads.end(), [&](size_t load) {
+            return locator->object()->contains(keys[load].locator->object());
+        });
+        if (found == loads.end()) continue;
+        auto at = keys.begin();
+        auto offset = [](size_t n) { return static_cast<KEYS::difference_type>(n); };
+        std::rotate(at + offset(*found), at + offset(i), at + offset(i + 1));
+        for (auto moved = found; moved != loads.end(); ++moved) ++*moved;
+    }
+}
+
+void warn_of_priorities_not_honored(const LOCATOR_LIST& list) {
+    const LOCATOR* earlier = nullptr;
+    for (const LOCATOR* later : list) {
+        if (!later->has_flag(LF_PRIORITY)) continue;
+        if (earlier != nullptr && earlier->priority() < later->priority())
+            DIAG_REPORT_AT(later->position(), elnk_priority_not_honored, later->diag_kind(),
+                           later->priority(), later->object()->name(), earlier->diag_kind(),
+                           earlier->object()->name(), earlier->priority(), later->diag_kind(),
+                           later->object()->name());
+        earlier = later;
+    }
+}
+
+} // namespace
+
+void sort_worklist(LOCATOR_LIST& list, bool use_priorities) {
+    if (use_priorities && Target->abi()->gabi_segment_mode()) return;
+    ORDER_CONTEXT context;
+    KEYS bucket[BUCKETS];
+    for (LOCATOR* locator : list) bucket[bucket_of(locator)].push_back(context.key_of(locator));
+    for (BUCKET sorted : {MAIN, LAST, COPY_TABLES, EXIDX}) sort_keys(bucket[sorted], context);
+    std::stable_sort(bucket[VIRTUAL].begin(), bucket[VIRTUAL].end(),
+                     [](const ORDER_KEY& a, const ORDER_KEY& b) {
+                         return LOCATOR::locator_debug_frame_align_greater(a.locator, b.locator);
+                     });
+
+    KEYS main = std::move(bucket[SPECIFIC]);
+    main.insert(main.end(), bucket[MAIN].begin(), bucket[MAIN].end());
+    if (global_opts->isopt(OPT_no_placement_optimization)) {
+        order_carriers(main);
+        order_runs_before_loads(main);
+    } else if (use_priorities && has_constraints(main)) {
+        order_by_graph(main, context);
+    }
+
+    list.clear();
+    auto append = [&list](const KEYS& keys) {
+        for (const ORDER_KEY& key : keys) list.push_back(key.locator);
+    };
+    append(main);
+    for (BUCKET rest : {LAST, COPY_TABLES, EXIDX, DYNAMIC, VIRTUAL}) append(bucket[rest]);
+    warn_of_priorities_not_honored(list);
+}

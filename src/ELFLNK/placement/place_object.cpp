@@ -1,0 +1,159 @@
+// From a locator's wish to the ranges that are tried: a specific address, named ranges in their
+// order, attributes or a page, or no wish at all. What finds no room is reported and goes into a
+// virtual range, so that everything after it is still placed.
+#include <algorithm>
+
+#include "DIAG/elnk_msgs.h"
+#include "DIAG/source_position.h"
+#include "ELFLNK/locator/locator.h"
+#include "ELFLNK/memmap/memory_map.h"
+#include "ELFLNK/object/collection.h"
+#include "ELFLNK/placement/placement.h"
+#include "ELFLNK/target/abi.h"
+#include "ELFLNK/target/target.h"
+
+namespace {
+
+/// The range that takes objects in place of the given one.
+MEMORY_RANGE* alias_target(MEMORY_RANGE* range) {
+    return range->alias() != nullptr ? range->alias() : range;
+}
+
+/// A range of all that lies at and above the address.
+MEMORY_RANGE* make_range_above(const char* name, int page, uint64_t addr, uint32_t attrs) {
+    auto* range = new MEMORY_RANGE(name, addr, ~addr, attrs, page);
+    memory_map->add(range);
+    return range;
+}
+
+/// A virtual range occupies no more than the object in it. A split object stands there as its
+/// members.
+void shrink_to_contents(MEMORY_RANGE* range) {
+    if (range->contents().empty()) return;
+    uint64_t begin = (*range->contents().begin())->address();
+    uint64_t end = begin;
+    for (const LOCATOR* item : range->contents()) end = std::max(end, item->end_address());
+    range->set_subrange_endpoints(begin, end);
+}
+
+/// Once per link: on which of several pages does a specific address lie?
+void report_ambiguous_page(const LINKER_OBJECT* object) {
+    PLACEMENT_STATE& state = placement_state();
+    if (state.ambiguous_page_reported || !Target->abi()->supports_memory_pages()) return;
+    bool page_one = std::any_of(memory_map->begin(), memory_map->end(),
+                                [](const MEMORY_RANGE* range) { return range->page() == 1; });
+    if (!page_one) return;
+    state.ambiguous_page_reported = true;
+    DIAG_REPORT_AT(&object->source_position(), elnk_ambiguous_page, object->name());
+}
+
+} // namespace
+
+void LOCATOR::place_object() {
+    bind_padding_to_subobjects();
+    if (is_highest()) pre_place_highest();
+    if (has_flag(LF_SPECIFIC))
+        place_specific();
+    else if (has_flag(LF_RANGES))
+        place_by_named_range();
+    else if (has_flag(LF_PAGE))
+        place_by_page();
+    else
+        place_default();
+}
+
+void LOCATOR::place_specific() {
+    MEMORY_RANGE* range = memory_map->lookup_by_addr(specific_, effective_page());
+    if (range != nullptr && alias_target(range) != range && is_run_or_both() &&
+        !has_flag(LF_ALIAS_MOVED)) {
+        specific_ += range->alias()->origin() - range->origin();
+        set_flag(LF_ALIAS_MOVED);
+    }
+    if (is_virtual()) {
+        place_virtual(specific_);
+        return;
+    }
+    if (!has_flag(LF_PAGE)) report_ambiguous_page(object_);
+    range = memory_map->lookup_by_addr(specific_, effective_page());
+    if (range == nullptr) {
+        DIAG_REPORT_AT(position_, elnk_place_specific_out_of_range);
+        range = make_range_above("DEFAULT", effective_page(), specific_, MEMORY_RANGE::ATTR_ALL);
+        clear_flag(LF_SPLIT | LF_HIGHEST);
+        set_flag(LF_ONE_ATTEMPT);
+    }
+    if (!insert_into_range(range)) fail_placement({range}, true);
+}
+
+void LOCATOR::place_by_named_range() {
+    if (is_virtual() && has_flag(LF_SPLIT_FAILED)) {
+        place_virtual(0);
+        return;
+    }
+    std::vector<MEMORY_RANGE*> list;
+    int wanted_page = effective_page();
+    for (const char* name : range_names_) {
+        MEMORY_RANGE* range = memory_map->lookup_by_name(name, wanted_page);
+        if (range != nullptr)
+            list.push_back(range);
+        else
+            DIAG_REPORT_AT(position_, elnk_place_bad_range, name, wanted_page);
+    }
+    if (!place_in_range_list(list)) fail_placement(list, true);
+}
+
+void LOCATOR::place_by_page() {
+    if (is_virtual() && has_flag(LF_SPLIT_FAILED)) {
+        place_virtual(0);
+        return;
+    }
+    std::vector<MEMORY_RANGE*> list;
+    for (MEMORY_RANGE* range : *memory_map)
+        if (match(range)) list.push_back(range);
+    if (!place_in_range_list(list)) fail_placement(list, true);
+}
+
+void LOCATOR::place_default() {
+    if (is_virtual()) {
+        place_virtual(0);
+        return;
+    }
+    std::vector<MEMORY_RANGE*> list;
+    for (MEMORY_RANGE* range : *memory_map) {
+        if (!match(range)) continue;
+        if (insert_into_range(range)) return;
+        list.push_back(range);
+    }
+    fail_placement(list, true);
+}
+
+bool LOCATOR::place_in_range_list(const std::vector<MEMORY_RANGE*>& list) {
+    for (MEMORY_RANGE* range : list) {
+        MEMORY_RANGE* target = alias_target(range);
+        if (is_virtual()) {
+            place_virtual(is_highest() ? std::min(target->end(), max_address_)
+                                       : std::max(target->origin(), min_address_));
+            return true;
+        }
+        if (insert_into_range(target)) {
+            if (target != range) set_flag(LF_ALIAS_MOVED);
+            return true;
+        }
+    }
+    return false;
+}
+
+void LOCATOR::available_mem_range(std::vector<MEMORY_RANGE*>& list) {
+    for (MEMORY_RANGE* range : *memory_map)
+        if (match(range)) list.push_back(range);
+}
+
+void LOCATOR::place_virtual(uint64_t addr) {
+    if (!is_virtual()) return;
+    MEMORY_RANGE* range =
+        make_range_above("VIRTUAL", effective_page(), addr, MEMORY_RANGE::ATTR_HIDDEN);
+    if (!has_flag(LF_SPLIT_FAILED)) clear_flag(LF_SPLIT);
+    clear_flag(LF_HIGHEST);
+    set_flag(LF_ONE_ATTEMPT);
+    if (!insert_into_range(range)) DIAG_REPORT(elnk_virtual_place_failed, object_->name());
+    shrink_to_contents(range);
+}

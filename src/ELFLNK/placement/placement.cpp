@@ -1,0 +1,114 @@
+// The phase itself: the analysis, the three worklists, and what happens between them.
+#include "ELFLNK/placement/placement.h"
+
+#include "DIAG/elnk_msgs.h"
+#include "DIAG/source_position.h"
+#include "ELFLNK/memmap/memory_map.h"
+#include "ELFLNK/object/root_collection.h"
+#include "ELFLNK/placement/fill/fill.h"
+#include "ELFLNK/placement/order/worklist.h"
+#include "ELFLNK/target/abi.h"
+#include "ELFLNK/target/target.h"
+#include "UTIL/trace.h"
+
+PLACEMENT_STATE& placement_state() {
+    static PLACEMENT_STATE state;
+    return state;
+}
+
+namespace {
+
+bool is_aliased(const MEMORY_RANGE* range) {
+    return range->alias() != nullptr && range->alias() != range;
+}
+
+void analyze_tree() {
+    // Analysis may not change the root's members; set_placement_attributes may.
+    const MEMBER_LIST members = root_collection->members();
+    for (LINKER_OBJECT* member : members) {
+        if (COLLECTION* collection = as_collection(member)) collection->set_placement_attributes();
+        analyze_object(member, nullptr, nullptr);
+    }
+}
+
+void place_phase(int phase) {
+    PLACEMENT_STATE& state = placement_state();
+    state.phase = phase;
+    place_worklist(state.worklist[phase]);
+}
+
+/// The other address of an object that stands in the first range of an ALIAS pair. If the user
+/// asked for the other window, the run address is there.
+void place_alternate(LOCATOR* locator, const MEMORY_RANGE* range, const MEMORY_RANGE* alias) {
+    LINKER_OBJECT* object = locator->object();
+    bool moved = locator->has_flag(LF_ALIAS_MOVED);
+    if (locator->is_load() || locator->is_both())
+        DIAG_REPORT_AT(locator->position(), elnk_alias_no_load,
+                       moved ? range->name() : alias->name(), object->name());
+    auto* other = new LOCATOR(LOCATOR_KIND::RUN_ALT, object);
+    other->add_specific(locator->address() + (range->origin() - alias->origin()));
+    if (moved) {
+        locator->convert_run_loc_to_alt_run();
+        other->set_kind(LOCATOR_KIND::RUN);
+        other->set_flag(LF_ALIAS_MOVED);
+    }
+    object->add_locator(other);
+    other->place_object();
+}
+
+void place_in_both_windows() {
+    for (MEMORY_RANGE* range : *memory_map) {
+        if (!is_aliased(range)) continue;
+        const LOCATOR_LIST standing(range->alias()->contents().begin(),
+                                    range->alias()->contents().end());
+        for (LOCATOR* locator : standing) place_alternate(locator, range, range->alias());
+    }
+}
+
+void place_phase_3() {
+    PLACEMENT_STATE& state = placement_state();
+    state.phase = PLACEMENT_PHASE_3;
+    LOCATOR_LIST list;
+    list.swap(state.worklist[2]);
+    sort_worklist(list, false);
+    for (LOCATOR* locator : list) locator->place_object();
+}
+
+} // namespace
+
+void place_worklist(LOCATOR_LIST& list) {
+    bool any_alias = false;
+    for (const MEMORY_RANGE* range : *memory_map) any_alias = any_alias || is_aliased(range);
+
+    bool sort = true;
+    while (!list.empty()) {
+        if (sort || any_alias) sort_worklist(list, true);
+        LOCATOR* locator = list.front();
+        list.erase(list.begin());
+        locator->place_object();
+        sort = !locator->placement_specified();
+        for (size_t i = 0; i < list.size() && !sort; ++i)
+            sort = locator->competes_for_range_vs(list[i]);
+    }
+}
+
+void LOCATOR::remove_locator(LOCATOR* locator) {
+    for (int phase : {PLACEMENT_PHASE_1, PLACEMENT_PHASE_2})
+        std::erase(placement_state().worklist[phase], locator);
+}
+
+void placement() {
+    trace_placement.printf("\n\nPLACEMENT PHASE:\n\n");
+    Target->visit_callgraph();
+    analyze_tree();
+    // Every locator that stands on its own is in the worklist of its phase.
+    place_phase(PLACEMENT_PHASE_1);
+    COLLECTION::split_outsects();
+    place_in_both_windows();
+    // The output sections are final; objects that describe them can be sized.
+    place_phase(PLACEMENT_PHASE_2);
+    place_phase_3();
+    // Every object has an address.
+    fill_holes();
+    Target->abi()->update_upon_placement();
+}
