@@ -3,9 +3,9 @@
 // that come later.
 #pragma once
 
-#include <cstddef>
 #include <set>
 #include <string>
+#include <string_view>
 #include <unordered_set>
 #include <vector>
 
@@ -18,6 +18,8 @@ struct OBJREL_ASG {
     LINKER_OBJECT* object;
     OFE::OF_SYMBOL* symbol;
     bool user;
+    bool redef_reported = false;
+    bool removed = false; // settled, or taken back
 };
 
 class EXPR_MGR {
@@ -49,12 +51,12 @@ class EXPR_MGR {
 
   private:
     void create_sym_for_assign(OBJREL_ASG& asg);
-    std::size_t evaluate_pass(bool first, bool report);
+    void evaluate_pass(bool first, bool report);
     void sort_assignments();
 
     std::vector<OBJREL_ASG> assignments_;
-    std::unordered_set<std::string> refs_;
-    bool sorted_ = false;
+    std::unordered_set<std::string_view> refs_; // texts that live to the end
+    bool in_pass_ = false;
 };
 
 /// The one manager.

@@ -1,0 +1,180 @@
+// The list of assignments and its passes. An assignment leaves the list when its value is settled;
+// what is left is tried again by the next call, when more objects have been placed.
+#include "ELFLNK/expr/expr_mgr.h"
+
+#include <algorithm>
+#include <string_view>
+#include <unordered_map>
+
+#include "DIAG/elnk_msgs.h"
+#include "ELFLNK/build/build.h"
+#include "ELFLNK/file/file_manager.h"
+#include "ELFLNK/file/obj_file.h"
+#include "ELFLNK/object/root_collection.h"
+#include "ELFLNK/symbol/symbol_table.h"
+#include "OBJEDIT04/ofe/of_symbol.h"
+#include "UTIL/savestr.h"
+#include "UTIL/trace.h"
+
+namespace {
+
+bool OBJREL_ASG_less(const OBJREL_ASG& a, const OBJREL_ASG& b) {
+    bool a_root = a.object == root_collection;
+    bool b_root = b.object == root_collection;
+    if (a_root != b_root) return a_root;
+    return a.expr->seq_id() < b.expr->seq_id();
+}
+
+bool is_done(const OBJREL_ASG& asg) {
+    return asg.removed;
+}
+
+const char* assigned_name(const EXPRESSION* expr) {
+    return expr->left() != nullptr ? expr->left()->symbol_name() : "";
+}
+
+bool is_settled(const EXPRESSION* expr) {
+    return expr->evaluation_occurred() && !expr->reevaluation_required() &&
+           !expr->check_subtree_for_failure();
+}
+
+std::string file_name_of(OFE::OF_SYMBOL* sym) {
+    OBJ_FILE* file = file_manager.lookup_OF_FILE(sym->ofile());
+    return file != nullptr ? file->name() : "(unknown file)";
+}
+
+} // namespace
+
+EXPR_MGR* get_expr_mgr() {
+    static EXPR_MGR manager;
+    return &manager;
+}
+
+void EXPR_MGR::add_assignment(EXPRESSION* expr, LINKER_OBJECT* object, bool user) {
+    if (expr == nullptr || !expr->is_assignment()) {
+        DIAG_REPORT(elnk_bad_expr_op);
+        return;
+    }
+    trace_eval.printf("add_assignment: %s\n");
+    expr->set_user(user);
+    OBJREL_ASG asg{expr, object, nullptr, user};
+    create_sym_for_assign(asg);
+    assignments_.push_back(asg);
+    add_refs(expr);
+}
+
+void EXPR_MGR::create_pending_symbols() {
+    for (OBJREL_ASG& asg : assignments_)
+        if (asg.symbol == nullptr) create_sym_for_assign(asg);
+}
+
+void EXPR_MGR::create_sym_for_assign(OBJREL_ASG& asg) {
+    if (output_OF_FILE() == nullptr || asg.expr->is_assign_to_dot() || asg.expr->left() == nullptr)
+        return;
+    const char* name = assigned_name(asg.expr);
+    EXPR_SYM_BINDING binding = asg.expr->left()->binding();
+    OFE::OF_SYMBOL* def = global_symbols.lookup_def(name);
+    bool global = def != nullptr && def->binding() != OFE::OF_SYM_BINDING_LOCAL;
+    if (def != nullptr &&
+        ((global && global_symbols.is_linker_symbol(def)) || global_symbols.override_symbols())) {
+        asg.symbol = def;
+        global_symbols.update_linker_symbol(def, asg.object);
+    } else if (global && binding == EXPR_BIND_WEAK) {
+        asg.symbol = def; // gives way to the definition that is there
+    } else {
+        asg.symbol = create_linker_symbol(name, asg.expr->source_position(), 0,
+                                          static_cast<OFE::OF_SYM_BINDING>(binding));
+        if (asg.symbol == nullptr) return;
+        global_symbols.update_linker_symbol(asg.symbol, asg.object);
+        if (global) {
+            if (asg.user)
+                DIAG_REPORT_AT(&asg.expr->source_position(), elnk_infile_sym_redef, name,
+                               file_name_of(def));
+            global_symbols.update_symbol(def, asg.symbol);
+        }
+    }
+    global_symbols.remove_undef_name(name);
+}
+
+void EXPR_MGR::remove_assignment(const EXPRESSION* expr) {
+    // An evaluation in progress may drop an object, and its assignments with it: the list only
+    // shrinks between passes.
+    for (OBJREL_ASG& asg : assignments_)
+        if (asg.expr == expr) asg.removed = true;
+    if (!in_pass_) std::erase_if(assignments_, is_done);
+}
+
+void EXPR_MGR::add_refs(const EXPRESSION* expr) {
+    std::set<std::string> names;
+    expr->get_expr_refs(names);
+    for (const std::string& name : names) refs_.insert(savestr(name));
+}
+
+bool EXPR_MGR::is_refd(const char* name) const {
+    return !refs_.empty() && refs_.find(name) != refs_.end();
+}
+
+void EXPR_MGR::replace_sym_with_zero(EXPRESSION* expr, const char* name) {
+    if (expr == nullptr) return;
+    if (expr->opcode() == EXPR_OP_SYMBOL && std::string_view(expr->symbol_name()) == name) {
+        expr->make_zero();
+        return;
+    }
+    if (!expr->is_assignment()) replace_sym_with_zero(expr->left(), name);
+    replace_sym_with_zero(expr->right(), name);
+}
+
+void EXPR_MGR::sort_assignments() {
+    std::stable_sort(assignments_.begin(), assignments_.end(), OBJREL_ASG_less);
+}
+
+void EXPR_MGR::check_for_redefs(bool sort) {
+    if (sort) sort_assignments();
+    std::unordered_map<std::string_view, const EXPRESSION*> first;
+    for (OBJREL_ASG& asg : assignments_) {
+        const char* name = assigned_name(asg.expr);
+        if (first.emplace(name, asg.expr).second || asg.redef_reported) continue;
+        DIAG_REPORT_AT(&asg.expr->source_position(), elnk_abs_sym_redef, name);
+        asg.redef_reported = true;
+    }
+}
+
+// Forward references resolve in as many passes as the chain of assignments is long. A pass in which
+// nothing settled is followed by one last, which says what is wrong with the rest.
+void EXPR_MGR::evaluate_all_sym_assignments(bool report) {
+    if (assignments_.empty()) return;
+    sort_assignments();
+    check_for_redefs(false);
+    EXPRESSION::suppress_order_of_eval_errors_m = true;
+    bool first = true;
+    bool last = false;
+    do {
+        size_t before = assignments_.size();
+        evaluate_pass(first, report);
+        first = false;
+        if (last) break;
+        last = assignments_.size() == before;
+        if (last) EXPRESSION::suppress_order_of_eval_errors_m = false;
+    } while (!assignments_.empty());
+    EXPRESSION::suppress_order_of_eval_errors_m = false;
+}
+
+void EXPR_MGR::evaluate_pass(bool first, bool report) {
+    in_pass_ = true;
+    for (size_t i = 0; i < assignments_.size(); ++i) {
+        EXPRESSION* expr = assignments_[i].expr;
+        if (assignments_[i].removed) continue;
+        if (first || expr->reevaluation_required()) evaluate(expr, assignments_[i].object, report);
+        if (is_settled(expr)) assignments_[i].removed = true;
+    }
+    in_pass_ = false;
+    std::erase_if(assignments_, is_done);
+}
+
+int64_t EXPR_MGR::evaluate(EXPRESSION* expr, LINKER_OBJECT* object, bool report) {
+    bool saved = EXPRESSION::silent_m;
+    EXPRESSION::silent_m = !report;
+    int64_t value = expr->evaluate(object);
+    EXPRESSION::silent_m = saved;
+    return value;
+}
