@@ -55,7 +55,7 @@ class WORD_WRAPPER {
     int start_new_line();
     int columns_left() const { return left_; }
     bool at_line_start() const { return left_ == columns_; }
-    void reset() { left_ = columns_; }
+    void set_left(int columns) { left_ = columns; }
 
   protected:
     virtual void put(std::string_view piece) = 0;
@@ -115,6 +115,7 @@ class DIAGNOSTIC {
     const DIAG_INFO* info() const { return info_; }
     int code() const { return info_->code; }
     dc_SEVERITY severity() const { return info_->severity; }
+    bool is_internal() const { return info_->is_internal; }
 
     static bool wrap_enabled_m;
     static bool warnings_m;
