@@ -14,7 +14,6 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 class AR_FILE;
@@ -46,7 +45,8 @@ struct AR_MEMBER {
 struct AR_SYMBOL {
     std::string_view name;
     uint32_t header_offset; ///< file offset of the header of the member that defines the symbol
-    uint32_t name_id = 0;   ///< a slot for whoever interns the name: it is looked up once, not per pass
+    uint32_t name_id =
+        0; ///< a slot for whoever interns the name: it is looked up once, not per pass
 };
 
 class AR_FILE {
@@ -80,9 +80,10 @@ class AR_FILE {
     const std::vector<AR_MEMBER>& members() const { return members_; }
     /// The first member of that name, or null (create_toc()).
     const AR_MEMBER* find_member(std::string_view name) const;
-    /// The member whose header starts at that offset, read from there: false if there is none. No
-    /// table of contents is needed.
-    bool member_at(uint64_t header_offset, AR_MEMBER& member);
+    /// The member whose header starts at that file offset, or null (create_toc()).
+    const AR_MEMBER* member_at(uint64_t header_offset) const;
+    /// The same by value; false if there is none.
+    bool member_at(uint64_t header_offset, AR_MEMBER& member) const;
     /// A member's contents.
     std::span<const uint8_t> contents(const AR_MEMBER& member) const;
 

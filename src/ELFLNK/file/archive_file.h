@@ -6,7 +6,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <unordered_map>
 #include <vector>
 
 class ARCHIVE_FILE : public INPUT_FILE {
@@ -25,12 +24,13 @@ class ARCHIVE_FILE : public INPUT_FILE {
     virtual OBJ_FILE* load_member(const AR_MEMBER* member);
     /// The member whose header starts at that file offset, or null.
     virtual const AR_MEMBER* member(unsigned header_offset);
+    /// All members, in file order.
+    virtual const std::vector<AR_MEMBER>& members() { return archive_->members(); }
     /// The loaded object of that member, or null.
     OBJ_FILE* loaded_member(unsigned header_offset) const;
 
   private:
     std::unique_ptr<AR_FILE> archive_;
-    std::unordered_map<uint64_t, AR_MEMBER> members_; ///< by header offset, those looked at so far
-    std::unordered_map<uint64_t, OBJ_FILE*> objects_; ///< by header offset, those loaded
+    std::vector<OBJ_FILE*> objects_; ///< by the member's place in members(), null where not loaded
     std::vector<OBJ_FILE*> loaded_;
 };

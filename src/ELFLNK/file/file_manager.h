@@ -7,6 +7,7 @@
 // point where the file was named.
 #pragma once
 
+#include "ELFLNK/archive/ar_file.h"
 #include "OBJEDIT04/ofe/of_types.h"
 
 #include <cstdint>
@@ -103,11 +104,11 @@ class FILE_MANAGER {
   private:
     void create_output_file(OFE::OBJECT_FILE* model);
     void create_internal_file(OFE::OBJECT_FILE* model);
-    const char* try_path(const std::string& path, bool has_dot) const;
+    const char* try_path(const std::string& path, bool may_extend) const;
     const std::vector<std::string>& directory_list(const std::string& dir);
     void find_matching_files_in_dir(const std::string& dir, const char* pattern,
                                     std::vector<std::string>& list);
-    INPUT_FILE* find_same_file(const INPUT_FILE* file) const;
+    INPUT_FILE* find_same_file(INPUT_FILE* file) const;
     INPUT_FILE* process_object(INPUT_FILE* file, bool in_front);
     INPUT_FILE* process_archive(INPUT_FILE* file, bool in_front);
 
@@ -132,6 +133,8 @@ class FILE_MANAGER {
     AR_GROUP_SCAN_ITEM* open_group_ = nullptr;
     std::unordered_map<const OFE::OBJECT_FILE*, OBJ_FILE*> object_map_;
     std::unordered_map<FILE_KEY, INPUT_FILE*, FILE_KEY_HASH> files_on_disk_;
+    std::unordered_map<std::string_view, INPUT_FILE*> inputs_by_name_;
+    std::unordered_map<std::string_view, INPUT_FILE*> inputs_by_basename_; ///< the first of each
     std::unordered_map<std::string_view, std::vector<OBJ_FILE*>> by_basename_;
     std::unordered_map<std::string, std::vector<std::string>> directories_;
 };
@@ -149,4 +152,4 @@ long build_time();
 /// Turns what an object file finds wrong into messages of the link.
 void ofile_error_handler(OFE::OBJECT_FILE* object, OFE::OF_ERROR_CODE code, const char* text);
 /// The same for archives.
-void ar_error_handler(class AR_FILE* archive, int code, const char* text);
+void ar_error_handler(AR_FILE* archive, AR_ERROR_CODE code, const char* text);

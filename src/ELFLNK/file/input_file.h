@@ -50,8 +50,9 @@ class INPUT_FILE {
 
     /// The file as an object of the right class, or null after an error.
     INPUT_FILE* identify();
-    /// The object file at `offset` in this file (0, 0: the whole file), or null without a message.
-    OBJ_FILE* identify_member_as_obj(uint64_t offset, uint64_t size);
+    /// The object file in `size` bytes at `offset` (0, 0: the whole file) under that name, or null
+    /// without a message.
+    OBJ_FILE* identify_member_as_obj(uint64_t offset, uint64_t size, const char* object_name);
 
     void get_stat_info();
     const STAT_INFO& stat_info() const { return stat_; }
@@ -60,15 +61,13 @@ class INPUT_FILE {
     /// Closes the handle; text and data that were read stay valid.
     void close();
 
-  protected:
-    /// A new file id, for a member of an archive.
+    /// A part of a file that is open: the same handle, a new id.
     INPUT_FILE(const char* name, FHM_FILE* file, const SOURCE_POSITION* position);
 
   private:
     bool open();
     ARCHIVE_FILE* identify_as_ar();
     COMMAND_FILE* identify_as_ascii();
-    friend class ARCHIVE_FILE;
 
     const char* name_;
     FHM_FILE* file_ = nullptr;

@@ -46,8 +46,8 @@ class AR_GROUP_SCAN_ITEM : public SCAN_ITEM {
   public:
     bool is_ar_group() const override { return true; }
     void add_file(ARCHIVE_FILE* file) { items_.push_back(new AR_SCAN_ITEM(file)); }
-    const std::vector<AR_SCAN_ITEM*>& items() const { return items_; }
+    const std::vector<SCAN_ITEM*>& items() const { return items_; }
 
   private:
-    std::vector<AR_SCAN_ITEM*> items_;
+    std::vector<SCAN_ITEM*> items_; ///< all of them archives
 };

@@ -1,0 +1,125 @@
+// The files that the linker makes itself: the output, modelled on the first object of the link, and
+// the internal file, which holds the sections and symbols that the linker generates. The handlers
+// that turn faults of input files into messages are here too.
+#include "DIAG/elnk_msgs.h"
+#include "DIAG/user_msg_api.h"
+#include "ELFLNK/build/link_kind.h"
+#include "ELFLNK/expr/expr_mgr.h"
+#include "ELFLNK/file/file_manager.h"
+#include "ELFLNK/file/obj_file.h"
+#include "ELFLNK/target/target.h"
+#include "OBJEDIT04/ofe/object_file.h"
+#include "OPTIONGEN/option_obj.h"
+
+#include <cstdio>
+#include <ctime>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+/// Ends the link if a file of that name cannot be written. What an earlier link left is removed: it
+/// must not be taken for the result of this one. The file is not truncated, since it may be an
+/// input that is mapped, and what is no regular file (/dev/null) stays.
+void check_writable(const char* name) {
+    FILE* file = fopen(name, "ab");
+    if (file == nullptr) {
+        DIAG_REPORT(elnk_open_outfile, name);
+        return;
+    }
+    struct stat info;
+    const bool is_regular = fstat(fileno(file), &info) == 0 && S_ISREG(info.st_mode);
+    fclose(file);
+    if (is_regular) unlink(name);
+}
+
+OFE::OF_FILE_TYPE output_type() {
+    if (global_opts->isopt(OPT_shared) || global_opts->isvalue(OPT_dynamic, OPTV_dynamic_lib) ||
+        global_opts->isopt(OPT_rom))
+        return OFE::OF_FILE_TYPE_SHARED;
+    return generate_static_relocs() ? OFE::OF_FILE_TYPE_RELOCATABLE : OFE::OF_FILE_TYPE_EXECUTABLE;
+}
+
+void init_output_ELF_file() {
+    if (global_opts->isopt(OPT_absolute_exe) && global_opts->isopt(OPT_relocatable) &&
+        !global_opts->isopt(OPT_dynamic))
+        DIAG_REPORT(elnk_optcomb_fmt_conflict, "--absolute_exe (-a)", "--relocatable (-r)", "ELF");
+}
+
+} // namespace
+
+OFE::OBJECT_FILE* output_OF_FILE() {
+    const OBJ_FILE* output = file_manager.output_file();
+    return output == nullptr ? nullptr : output->object_file();
+}
+
+long build_time() {
+    static const long now = long(time(nullptr));
+    return now;
+}
+
+OFE::OBJECT_FILE* new_linker_generated_file(const char* name, OFE::OF_FILE_TYPE type,
+                                            OFE::OBJECT_FILE* model) {
+    OFE::OBJECT_FILE* object = OFE::new_OBJECT_FILE(name, type, model);
+    if (object == nullptr) return nullptr;
+    object->set_error_handler(ofile_error_handler);
+    object->set_time_stamp(build_time());
+    return object;
+}
+
+void FILE_MANAGER::create_linker_files(OBJ_FILE* first) {
+    if (output_file_ != nullptr) DIAG_REPORT(elnk_outfile_already_created);
+    baseline_file_ = first;
+    create_output_file(first->object_file());
+    create_internal_file(output_file_->object_file());
+    get_expr_mgr()->create_pending_symbols();
+}
+
+void FILE_MANAGER::create_output_file(OFE::OBJECT_FILE* model) {
+    const char* name =
+        global_opts->isopt(OPT_output_file) ? global_opts->getstrarg(OPT_output_file) : "a.out";
+    check_writable(name);
+    OFE::OBJECT_FILE* object = new_linker_generated_file(name, output_type(), model);
+    if (object == nullptr) DIAG_REPORT(elnk_create_outfile_failed);
+    object->set_machine_endian(model->machine_endian());
+    if (object->format() == OFE::OF_FORMAT_ELF) init_output_ELF_file();
+    output_file_ = new OBJ_FILE(name, object);
+    object_map_[object] = output_file_;
+    Target->init_output_file(object, model);
+}
+
+void FILE_MANAGER::create_internal_file(OFE::OBJECT_FILE* model) {
+    OFE::OBJECT_FILE* object =
+        new_linker_generated_file("<internal>", OFE::OF_FILE_TYPE_RELOCATABLE, model);
+    object->set_machine_endian(model->machine_endian());
+    object->set_icode_flag(OFE::ICODE_ABSENT);
+    internal_file_ = new OBJ_FILE("<internal>", object);
+    add_input_file(internal_file_, false);
+}
+
+void ofile_error_handler(OFE::OBJECT_FILE* object, OFE::OF_ERROR_CODE code, const char* text) {
+    if (text == nullptr) text = "";
+    const char* file = object->display_name();
+    const char* what = OFE::OBJECT_FILE::error_code_name(code);
+    USER_MSG* messages = USER_MSG::get_umsg_obj();
+    switch (code) {
+    case OFE::OF_ERROR_NONE:
+    case OFE::OF_ERROR_DEVELOPMENT:
+        break;
+    case OFE::OF_ERROR_ACCESS:
+        messages->error("%s: %s:  %s", file, what, text);
+        break;
+    case OFE::OF_ERROR_WARNING:
+    case OFE::OF_ERROR_TRUNCATED:
+        messages->warning(0u, "%s: %s", file, text);
+        break;
+    default:
+        messages->die("ofile_error_handler()", "%s: %s:  %s", file, what, text);
+        break;
+    }
+    object->clear_error();
+}
+
+void ar_error_handler(AR_FILE*, AR_ERROR_CODE, const char* text) {
+    USER_MSG::get_umsg_obj()->error("%s", text);
+}
