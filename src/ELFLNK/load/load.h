@@ -24,7 +24,9 @@ SECTION* new_section(OFE::OF_SECTION* section);
 bool is_comdat_member(OFE::OF_SECTION* section, OFE::OF_GROUP_TABLE* group);
 /// The file that a symbol lies in; null when no file of the link holds it.
 OBJ_FILE* symbol_obj_file(OFE::OF_SYMBOL* symbol);
-/// Its name for messages; the empty text when there is no file.
+/// The file's name for messages: its path, or archive and member; the empty text for null.
+const char* file_diag_name(const OBJ_FILE* file);
+/// The same of the file that a symbol lies in.
 const char* symbol_file_name(OFE::OF_SYMBOL* symbol);
 /// The output file exists, so format and mangling are known.
 bool default_abi_is_known();

@@ -1,27 +1,48 @@
 // Reachability: from a set of roots, along relocations, every input section that is reached becomes
 // a SECTION of the root collection; what is not reached never becomes an object, and so is not
-// linked. The walk is mark and sweep over the raw relocation records of the mapped files: a list of
-// sections in the order of their registration grows while it is walked, and no relocation object is
-// made.
+// linked. The walk is mark and sweep over the raw records of the mapped files: one byte per section
+// says what it is and whether it is registered, a list of sections in the order of registration
+// grows while it is walked, and no relocation object is made. References are not recorded: who
+// wants the graph of the live sections can walk their records again.
 #pragma once
 
 #include <cstdint>
 #include <memory>
-#include <unordered_map>
+#include <unordered_set>
+#include <utility>
 #include <vector>
 
+#include "OBJEDIT04/ofe/raw_records.h"
+
 class ABI;
-class LINKER_OBJECT;
 class OBJ_FILE;
-class SECTION;
+struct FILE_SYMBOLS;
 namespace OFE {
 class OBJECT_FILE;
-class OF_SECTION;
 class OF_SECTION_TABLE;
 class OF_SYMBOL;
-struct OF_RAW_RELOC;
-struct OF_RAW_SECTION;
+class OF_SYMBOL_TABLE;
 } // namespace OFE
+
+/// Section to the sections that are kept with it: a dependence runs the other way from a
+/// relocation. Pairs are collected, then sorted once; the dependents of a key come in the order of
+/// files and sections.
+class IMPLICIT_DEP_TABLE {
+  public:
+    using KEY = uint64_t;
+    struct DEP {
+        KEY key;
+        KEY dependent;
+        auto operator<=>(const DEP&) const = default;
+    };
+    void add_dependent(KEY key, KEY dependent);
+    void finish();
+    /// The dependents of a key, as a range of DEP.
+    std::pair<const DEP*, const DEP*> dependents(KEY key) const;
+
+  private:
+    std::vector<DEP> deps_;
+};
 
 class REGISTRAR {
   public:
@@ -34,33 +55,98 @@ class REGISTRAR {
     void register_objects();
 
   private:
-    struct FILE_STATE;
-    struct REF;  // a relocation, with the symbol it leads to
-    struct WORK; // a registered section that is to be walked
+    enum SECTION_BITS : uint8_t {
+        REGISTERED = 1,
+        REQUIRED = 2,
+        PROGDATA = 4,
+        DEBUG_DATA = 8, ///< name begins ".debug"
+        ABSENT = 16,    ///< deleted, or unreadable
+        OMDATA = 32,
+        LINK_ORDER = 64
+    };
+    struct FILE_STATE {
+        OBJ_FILE* file = nullptr;
+        OFE::OBJECT_FILE* object = nullptr;
+        OFE::OF_SECTION_TABLE* sections = nullptr;
+        OFE::OF_SYMBOL_TABLE* symbols = nullptr;
+        const FILE_SYMBOLS* names = nullptr;
+        const bool* takes_symbol = nullptr; ///< by machine relocation number, 256 of them
+        bool is_linked = false;             ///< a static linking object
+        bool is_executable = false;
+        std::vector<uint8_t> bits; ///< SECTION_BITS by section id
+    };
+    /// What a relocation leads to: a section of a file, or a symbol without one.
+    struct TARGET_REF {
+        FILE_STATE* file = nullptr;
+        unsigned section_id = OFE::OF_RAW_SYMBOL::NO_SECTION;
+        OFE::OF_SYMBOL* sym = nullptr; ///< null for a local symbol that has no object
+        OFE::OF_SYM_KIND kind = OFE::OF_SYM_KIND_NONE;
+        bool is_known = false;
+        bool has_section() const { return section_id != OFE::OF_RAW_SYMBOL::NO_SECTION; }
+        bool is_absent() const { return has_section() && (file->bits[section_id] & ABSENT); }
+    };
+    struct WORK {
+        FILE_STATE* file;
+        unsigned section_id;
+    };
+    using KEY = IMPLICIT_DEP_TABLE::KEY;
 
-    void find_implicit_deps();
+    // Files and sections.
+    void prepare_files();
+    FILE_STATE& state_of(OFE::OBJECT_FILE* object);
+    void classify_sections(FILE_STATE& file);
+    const bool* relocs_that_take_symbols(OFE::OBJECT_FILE* object);
+    static KEY key_of(const FILE_STATE& file, unsigned section_id);
+    static KEY key_of(const OFE::OF_SYMBOL* sym);
+
+    // Roots.
+    bool section_is_required(FILE_STATE& file, const OFE::OF_RAW_SECTION& section, uint8_t bits);
+    bool progdata_section_immune_to_retain(const FILE_STATE& file,
+                                           const OFE::OF_RAW_SECTION& section) const;
+    bool metadata_retains_section(const FILE_STATE& file, const OFE::OF_RAW_SECTION& section) const;
     void register_required_symbols();
     void register_required_sections();
-    void register_referenced_objects();
-    void register_sh_link_dependences();
 
-    FILE_STATE& state_of(OFE::OBJECT_FILE* object);
-    bool section_is_required(FILE_STATE& file, const OFE::OF_RAW_SECTION& section);
-    bool coff_section_is_required(FILE_STATE& file, const OFE::OF_RAW_SECTION& section);
-    bool progdata_section_immune_to_retain(FILE_STATE& file, const OFE::OF_RAW_SECTION& section);
-    bool metadata_retains_section(FILE_STATE& file, const OFE::OF_RAW_SECTION& section);
+    // Implicit dependences.
+    void find_implicit_deps();
     void add_debug_deps(FILE_STATE& file, const OFE::OF_RAW_SECTION& section);
     void add_metadata_deps(FILE_STATE& file, const OFE::OF_RAW_SECTION& section);
-    void add_cinit_deps(FILE_STATE& file, const OFE::OF_RAW_SECTION& section);
     static bool need_implicit_reverse_ref_for_debug(const char* holder, const char* target);
 
-    void register_section(LINKER_OBJECT* from, FILE_STATE& file, unsigned section_id);
-    void register_any_section(LINKER_OBJECT* from, FILE_STATE& file, unsigned section_id);
-    void register_symbol(LINKER_OBJECT* from, OFE::OF_SYMBOL* sym);
-    void register_symbol_object(LINKER_OBJECT* from, OFE::OF_SYMBOL* sym);
-    void register_a_reference(const WORK& from, const REF& ref);
-    void register_import_reference(OFE::OF_SYMBOL* sym);
+    // Relocations.
+    template <class VISIT>
+    void for_each_symbol_reloc(FILE_STATE& file, unsigned section_id, VISIT visit);
+    TARGET_REF target_of(FILE_STATE& file, unsigned sym_id);
+    TARGET_REF target_of_symbol(OFE::OF_SYMBOL* sym);
 
-    struct IMPL;
-    std::unique_ptr<IMPL> impl_;
+    // The closure.
+    void register_referenced_objects();
+    void walk_section(const WORK& work);
+    void register_a_reference(const WORK& from, const char* from_name,
+                              const OFE::OF_RAW_RELOC& reloc);
+    void register_target(const TARGET_REF& target);
+    void register_section(FILE_STATE& file, unsigned section_id);
+    void register_any_section(FILE_STATE& file, unsigned section_id);
+    void push_group_members(FILE_STATE& file, unsigned section_id, std::vector<WORK>& stack);
+    void register_symbol_object(OFE::OF_SYMBOL* sym, OFE::OF_SYM_KIND kind);
+    void register_sh_link_dependences();
+    void make_symbol(FILE_STATE& file, unsigned sym_id);
+    void report_mapped_symbol(FILE_STATE& file, unsigned sym_id);
+    void report_discarded(const WORK& from, const char* from_name, const OFE::OF_RAW_RELOC& reloc,
+                          const TARGET_REF& target);
+
+    ABI* abi_;
+    bool is_partial_;
+    bool elimination_is_off_;
+    bool has_retain_specs_;
+    bool has_retainrefs_ = false;
+    std::vector<std::unique_ptr<FILE_STATE>> files_; ///< by file id
+    std::vector<FILE_STATE*> order_;                 ///< in the file manager's order
+    std::vector<std::pair<const void*, std::unique_ptr<bool[]>>> reloc_kinds_; ///< per type set
+    std::vector<TARGET_REF> name_targets_; ///< by name id, where known
+    std::vector<WORK> work_;               ///< in the order of registration
+    size_t next_work_ = 0;                 ///< the first that was not walked
+    std::unordered_set<const OFE::OF_SYMBOL*> symbol_objects_;
+    IMPLICIT_DEP_TABLE section_deps_;
+    IMPLICIT_DEP_TABLE symbol_deps_; ///< by file and symbol id
 };

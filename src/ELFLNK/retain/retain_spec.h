@@ -1,9 +1,9 @@
 // --retain: symbols, sections and archive members that stay although nothing reaches them.
 #pragma once
 
+#include <cstdint>
 #include <list>
 #include <string>
-#include <vector>
 
 #include "ELFLNK/object/section_spec.h"
 
@@ -16,9 +16,11 @@ class OF_SECTION;
 
 class RETAIN_SPEC : public SECTION_SPEC {
   public:
+    /// The text lives to the end of the link.
     explicit RETAIN_SPEC(const char* text);
 
-    /// Parses the text; false after a report when it has another form than the grammar's.
+    /// Parses the text; false after a report when it isn't of the grammar, or would retain
+    /// everything.
     bool add_spec();
     void add_symbol_name(const char* name);
     bool all_symbols() const;
@@ -28,7 +30,8 @@ class RETAIN_SPEC : public SECTION_SPEC {
     const char* text() const { return text_; }
 
   private:
-    bool invalid();
+    bool invalid() const;
+    bool add_file_word(const std::string& word, bool members_follow);
 
     FILTER* symbol_filter_ = nullptr;
     const char* text_;
@@ -37,21 +40,22 @@ class RETAIN_SPEC : public SECTION_SPEC {
 class RETAIN_SPEC_MANAGER {
   public:
     void add_retain_specifier(const char* text);
-    bool user_retains_symbol(const char* name);
-    bool user_retains_section(const OFE::OF_SECTION* section, OBJ_FILE* file);
-    bool match_symbol(const char* name);
-    bool match_section(const OFE::OF_SECTION* section, OBJ_FILE* file);
-    /// The same by the section's name; files_specs() narrows the list once per file.
-    bool match_section(const char* name, OBJ_FILE* file);
+    /// A specification names the symbol, nothing defines it so far, and the link isn't partial.
+    bool user_retains_symbol(const char* name) const;
+    bool user_retains_section(const char* name, OBJ_FILE* file) const;
+    bool match_symbol(const char* name) const;
+    bool match_section(const OFE::OF_SECTION* section, OBJ_FILE* file) const;
+    bool match_section(const char* name, OBJ_FILE* file) const;
     /// Loads the members that specifications name by file; true if any was loaded.
-    bool scan_user_retain_ar_members(ARCHIVE_FILE* archive);
-    bool has_symbol_specs() const;
-    bool has_section_specs() const;
-    bool has_member_specs() const;
+    bool scan_user_retain_ar_members(ARCHIVE_FILE* archive) const;
+    bool has_symbol_specs() const { return has_symbol_specs_; }
+    bool has_section_specs() const { return has_section_specs_; }
     const std::list<RETAIN_SPEC>& specs() const { return specs_; }
 
   private:
     std::list<RETAIN_SPEC> specs_;
+    bool has_symbol_specs_ = false;
+    bool has_section_specs_ = false;
 };
 
 extern RETAIN_SPEC_MANAGER retain_manager;

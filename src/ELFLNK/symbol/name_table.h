@@ -25,16 +25,15 @@ class NAME_TABLE {
     struct ENTRY {
         const char* text;
         uint32_t length;
-        uint32_t tag; // upper half of the hash: spares most text comparisons
+        uint32_t low_hash; // lower half of the hash: enough to find a slot anew
     };
     struct SLOT {
-        uint32_t id; // NO_NAME: free
-        uint32_t tag;
+        uint32_t id;  // NO_NAME: free
+        uint32_t tag; // upper half of the hash: spares most text comparisons
     };
     size_t probe(std::string_view text, uint64_t hash) const;
     void grow();
 
     std::vector<ENTRY> entries_;
-    std::vector<uint64_t> hashes_;
     std::vector<SLOT> slots_;
 };

@@ -42,9 +42,8 @@ class SYMBOL_TABLE {
     void add_undef(OFE::OF_SYMBOL* sym);
     /// A symbol that a shared object exports.
     void add_import_symbol(OFE::OF_SYMBOL* sym);
-    /// Would add_undef() keep this reference as the representative of its name? If not, no object
-    /// need be made for it.
-    bool undef_would_be_kept(uint32_t name_id, bool weak) const;
+    /// add_undef() would do something with this reference; if not, no object need be made for it.
+    bool undef_matters(uint32_t id, bool weak) const;
 
     // ---- the resolution passes
     void link_def(OFE::OF_SYMBOL* sym);
@@ -111,7 +110,6 @@ class SYMBOL_TABLE {
     // ---- predicates
     bool is_bound(OFE::OF_SYMBOL* sym) const;
     bool is_defined_in_comdat(OFE::OF_SYMBOL* sym) const;
-    bool is_defined_in_icode(OFE::OF_SYMBOL* sym) const;
     bool is_exported_by_shared_object(OFE::OF_SYMBOL* sym) const;
     bool is_imported_def(OFE::OF_SYMBOL* sym) const;
     bool is_class_impedimenta(OFE::OF_SYMBOL* sym) const;
@@ -123,6 +121,7 @@ class SYMBOL_TABLE {
 
     // ---- walks, each in name order
     std::vector<OFE::OF_SYMBOL*> sorted_defs() const;
+    std::vector<OFE::OF_SYMBOL*> sorted_absolute_defs() const;
     /// What is wanted and not defined; null for a name without a symbol.
     std::vector<std::pair<const char*, OFE::OF_SYMBOL*>> sorted_undefs() const;
     std::vector<std::pair<const char*, IMPORT_STATE>> sorted_import_names() const;
@@ -130,11 +129,15 @@ class SYMBOL_TABLE {
 
     void clear_defs();
     void clear_undefs();
-    void clear_entry_symbols() { entry_symbols_.clear(); }
+    void clear_entry_symbols();
 
     // ---- by id: the road for millions of names
     /// The id of a name whose text lives to the end of the link.
     uint32_t intern(const char* stable_name) { return record_id(names_.intern(stable_name)); }
+    /// The same for a view that a NUL follows.
+    uint32_t intern_view(std::string_view stable_name) {
+        return record_id(names_.intern(stable_name, stable_name.data()));
+    }
     uint32_t find_id(std::string_view name) const { return names_.find(name); }
     const char* name_of(uint32_t id) const { return names_.text(id); }
     uint32_t name_count() const { return names_.size(); }
@@ -147,11 +150,9 @@ class SYMBOL_TABLE {
     uint32_t mapped_id(uint32_t id) const {
         return records_[id].mapped_to == NAME_TABLE::NO_NAME ? id : records_[id].mapped_to;
     }
-    bool has_mappings() const { return mapping_count_ != 0; }
-    /// link_undef() for a reference that has no object: the definition or representative, null if
-    /// there is none.
-    OFE::OF_SYMBOL* link_raw_undef(uint32_t id, const OFE::OF_RAW_SYMBOL& ref,
-                                   OFE::OBJECT_FILE* file);
+    /// link_undef() for a reference that has no object. False: it takes an object to settle this
+    /// one.
+    bool link_raw_undef(uint32_t id, const OFE::OF_RAW_SYMBOL& ref);
     /// Names that came to need a definition since the log was last taken, in the order of their
     /// first need.
     std::vector<uint32_t> take_needs() { return std::exchange(needs_, {}); }
@@ -180,7 +181,6 @@ class SYMBOL_TABLE {
     const RECORD* record(const char* name) const;
     void set_undef(uint32_t id, OFE::OF_SYMBOL* sym);
     bool erase_undef(uint32_t id);
-    void note_need(uint32_t id);
     void mapped_from_ids(uint32_t id, std::vector<uint32_t>& ids) const;
     std::vector<const char*> names_with(uint8_t flag) const;
     std::vector<uint32_t> sorted_ids(std::vector<uint32_t> ids) const;
@@ -199,7 +199,6 @@ class SYMBOL_TABLE {
     std::unordered_map<std::string_view, OFE::OF_SYMBOL*> imports_;
     std::unordered_map<const OFE::OF_SYMBOL*, LINKER_OBJECT*> linker_symbols_;
     size_t def_count_ = 0;
-    uint32_t mapping_count_ = 0;
     uint32_t import_name_count_ = 0;
     unsigned next_rtti_id_ = 256;
     bool locked_ = false;

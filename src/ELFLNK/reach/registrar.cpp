@@ -1,0 +1,271 @@
+// The closure of the reachable: see registrar.h.
+#include "ELFLNK/reach/registrar.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "DIAG/elnk_msgs.h"
+#include "ELFLNK/build/link_kind.h"
+#include "ELFLNK/file/file_manager.h"
+#include "ELFLNK/file/obj_file.h"
+#include "ELFLNK/load/file_symbols.h"
+#include "ELFLNK/load/load.h"
+#include "ELFLNK/object/root_collection.h"
+#include "ELFLNK/object/symbol_object.h"
+#include "ELFLNK/reach/for_each_reloc.h"
+#include "ELFLNK/retain/retain_spec.h"
+#include "ELFLNK/symbol/symbol_table.h"
+#include "ELFLNK/target/abi.h"
+#include "ELFLNK/target/target.h"
+#include "OBJEDIT04/elf/elf_types.h"
+#include "OBJEDIT04/machine/reloc_type.h"
+#include "OBJEDIT04/ofe/object_file.h"
+#include "OBJEDIT04/ofe/of_group_table.h"
+#include "OBJEDIT04/ofe/of_section.h"
+#include "OBJEDIT04/ofe/of_section_table.h"
+#include "OBJEDIT04/ofe/of_symbol.h"
+#include "OBJEDIT04/ofe/of_symbol_table.h"
+#include "OPTIONGEN/option_obj.h"
+#include "UTIL/trace.h"
+
+using OFE::OF_RAW_RELOC;
+using OFE::OF_RAW_SECTION;
+using OFE::OF_RAW_SYMBOL;
+using OFE::OF_SYMBOL;
+
+REGISTRAR::REGISTRAR()
+    : abi_(Target->abi()),
+      is_partial_(is_partial_link()),
+      elimination_is_off_(!global_opts->not_off(OPT_unused_section_elimination)),
+      has_retain_specs_(retain_manager.has_section_specs()) {}
+
+REGISTRAR::~REGISTRAR() = default;
+
+void REGISTRAR::register_objects() {
+    trace_load.push("\nREGISTER OBJECTS\n");
+    prepare_files();
+    find_implicit_deps();
+    // The implicit tables are only read from here on.
+    register_required_symbols();
+    register_required_sections();
+    register_referenced_objects();
+    if (work_.empty()) DIAG_REPORT(elnk_no_input_sections);
+    register_sh_link_dependences();
+    // No input section gets an object below.
+    trace_load.pop();
+}
+
+// ---- what a relocation leads to
+
+REGISTRAR::TARGET_REF REGISTRAR::target_of_symbol(OF_SYMBOL* sym) {
+    TARGET_REF target;
+    target.is_known = true;
+    if (!sym) return target;
+    target.sym = sym;
+    target.kind = sym->kind();
+    target.file = &state_of(sym->ofile());
+    if (sym->refs_section() && sym->section_id() < target.file->bits.size())
+        target.section_id = sym->section_id();
+    return target;
+}
+
+REGISTRAR::TARGET_REF REGISTRAR::target_of(FILE_STATE& file, unsigned sym_id) {
+    const uint32_t name = file.names ? file.names->name_id(sym_id) : NAME_TABLE::NO_NAME;
+    OF_SYMBOL* loaded = file.symbols->loaded_symbol(sym_id);
+    if (name != NAME_TABLE::NO_NAME) {
+        // What a mapped name leads to depends on the file.
+        if (global_symbols.mapped_id(name) != name)
+            return target_of_symbol(resolve_symbol(file.object, sym_id));
+        TARGET_REF& known = name_targets_[name];
+        if (!known.is_known) known = target_of_symbol(resolve_symbol(file.object, sym_id));
+        return known;
+    }
+    if (loaded) return target_of_symbol(SYMBOL_TABLE::resolution(loaded));
+    OF_RAW_SYMBOL raw;
+    TARGET_REF target;
+    if (!file.symbols->raw_symbol(sym_id, raw)) return target;
+    target.file = &file;
+    target.kind = raw.kind;
+    if (raw.section_id != OF_RAW_SYMBOL::NO_SECTION && raw.section_id < file.bits.size())
+        target.section_id = raw.section_id;
+    else if (raw.kind == OFE::OF_SYM_KIND_ABSOLUTE || raw.kind == OFE::OF_SYM_KIND_COMMON)
+        target.sym = file.symbols->symbol(sym_id);
+    return target;
+}
+
+// Relocating will ask the file for this symbol: it has to know its definition by then.
+void REGISTRAR::make_symbol(FILE_STATE& file, unsigned sym_id) {
+    if (!file.names || file.symbols->loaded_symbol(sym_id)) return;
+    if (file.names->name_id(sym_id) == NAME_TABLE::NO_NAME) return;
+    OF_SYMBOL* target = resolve_symbol(file.object, sym_id);
+    OF_SYMBOL* sym = file.symbols->symbol(sym_id);
+    if (!sym || sym == target) return;
+    sym->set_global_id(file.names->name_id(sym_id) + 1);
+    if (target) sym->set_resolved_by(target);
+}
+
+// ---- the closure
+
+void REGISTRAR::register_referenced_objects() {
+    for (; next_work_ < work_.size(); ++next_work_) walk_section(WORK(work_[next_work_]));
+}
+
+void REGISTRAR::walk_section(const WORK& work) {
+    OF_RAW_SECTION section;
+    if (!work.file->sections->raw_section(work.section_id, section)) return;
+    for_each_symbol_reloc(*work.file, work.section_id, [&](const OF_RAW_RELOC& reloc) {
+        register_a_reference(work, section.name, reloc);
+    });
+}
+
+void REGISTRAR::register_a_reference(const WORK& from, const char* from_name,
+                                     const OF_RAW_RELOC& reloc) {
+    FILE_STATE& file = *from.file;
+    make_symbol(file, reloc.sym_id);
+    const TARGET_REF target = target_of(file, reloc.sym_id);
+    if (!target.file) return;
+    const bool is_debug =
+        (file.bits[from.section_id] & DEBUG_DATA) || std::strcmp(from_name, "$BRID") == 0;
+    if (is_debug) {
+        // A debug reference keeps no program data, no common block and nothing that was discarded.
+        if (target.has_section() && (target.file->bits[target.section_id] & (PROGDATA | ABSENT)))
+            return;
+        if (!target.has_section() && target.kind == OFE::OF_SYM_KIND_COMMON) return;
+    }
+    report_mapped_symbol(file, reloc.sym_id);
+    if (target.is_absent()) {
+        if (std::strcmp(from_name, abi_->plumasode_section_name()) != 0)
+            report_discarded(from, from_name, reloc, target);
+        return;
+    }
+    register_target(target);
+}
+
+// By the file that the symbol lies in.
+void REGISTRAR::register_target(const TARGET_REF& target) {
+    if (!target.file) return;
+    FILE_STATE& file = *target.file;
+    if (file.is_linked) {
+        if (file.is_executable) {
+            // The code and data of an executable given as input are not linked in.
+            if (target.has_section() && (file.bits[target.section_id] & DEBUG_DATA))
+                register_section(file, target.section_id);
+        } else if (target.has_section()) {
+            register_section(file, target.section_id);
+        } else if (target.sym) {
+            register_symbol_object(target.sym, target.kind);
+        }
+    } else if (file.file == file_manager.output_file() && target.sym &&
+               target.kind == OFE::OF_SYM_KIND_ABSOLUTE &&
+               global_symbols.is_linker_symbol(target.sym)) {
+        register_symbol_object(target.sym, target.kind);
+    }
+}
+
+void REGISTRAR::register_section(FILE_STATE& file, unsigned section_id) {
+    const uint8_t bits = file.bits[section_id];
+    if (bits & ABSENT) return;
+    if (bits & OMDATA) {
+        OF_RAW_SECTION section;
+        file.sections->raw_section(section_id, section);
+        DIAG_REPORT(elnk_not_prog_scn, section.name, file.file->name());
+    }
+    if (!(bits & REGISTERED)) register_any_section(file, section_id);
+}
+
+// The only place that makes a SECTION. A section brings in its implicit dependents, then the
+// members of its group; the stack keeps the order of a walk in depth.
+void REGISTRAR::register_any_section(FILE_STATE& first_file, unsigned first_id) {
+    std::vector<WORK> stack{{&first_file, first_id}};
+    while (!stack.empty()) {
+        const WORK next = stack.back();
+        stack.pop_back();
+        FILE_STATE& file = *next.file;
+        uint8_t& bits = file.bits[next.section_id];
+        if (bits & (REGISTERED | ABSENT)) continue;
+        OFE::OF_SECTION* section = file.sections->section(next.section_id);
+        if (!section) continue;
+        bits |= REGISTERED;
+        new_section(section);
+        work_.push_back(next);
+
+        const size_t bottom = stack.size();
+        const auto [from, to] = section_deps_.dependents(key_of(file, next.section_id));
+        for (const IMPLICIT_DEP_TABLE::DEP* dep = from; dep != to; ++dep)
+            stack.push_back(
+                {files_[dep->dependent >> 32].get(), static_cast<unsigned>(dep->dependent)});
+        push_group_members(file, next.section_id, stack);
+        std::reverse(stack.begin() + static_cast<std::ptrdiff_t>(bottom), stack.end());
+    }
+}
+
+void REGISTRAR::push_group_members(FILE_STATE& file, unsigned section_id,
+                                   std::vector<WORK>& stack) {
+    OFE::OF_GROUP_TABLE* group = file.sections->raw_group(section_id);
+    if (!group) return;
+    OF_RAW_SECTION member;
+    for (unsigned i = 0; i < group->member_num(); ++i) {
+        const unsigned id = group->member_id(i);
+        if (group->member_deleted(i) || id >= file.bits.size() ||
+            !file.sections->raw_section(id, member))
+            continue;
+        if (member.type != OFE::SHT_RELA && member.type != OFE::SHT_REL)
+            stack.push_back({&file, id});
+    }
+}
+
+void REGISTRAR::register_symbol_object(OF_SYMBOL* sym, OFE::OF_SYM_KIND kind) {
+    if (kind != OFE::OF_SYM_KIND_ABSOLUTE && kind != OFE::OF_SYM_KIND_COMMON) return;
+    if (!symbol_objects_.insert(sym).second) return;
+    if (kind == OFE::OF_SYM_KIND_ABSOLUTE)
+        new ABSOLUTE_SYMBOL(sym);
+    else
+        new COMMON_BLOCK(sym);
+    const auto [from, to] = symbol_deps_.dependents(key_of(sym));
+    for (const IMPLICIT_DEP_TABLE::DEP* dep = from; dep != to; ++dep)
+        register_any_section(*files_[dep->dependent >> 32], static_cast<unsigned>(dep->dependent));
+}
+
+// Sections tied to another by their link field. An exception index section is kept with the code
+// that it describes, and in a final link only if something can throw.
+void REGISTRAR::register_sh_link_dependences() {
+    trace_load.printf("\nREGISTER SH_LINK DEPENDENCES:\n");
+    const bool can_throw = is_partial_ || global_symbols.lookup_def(abi_->throw_function_name());
+    OF_RAW_SECTION section;
+    for (FILE_STATE* file : order_) {
+        if (file->object->format() != OFE::OF_FORMAT_ELF) continue;
+        for (unsigned id = 1; id < file->bits.size(); ++id) {
+            if (!(file->bits[id] & LINK_ORDER) || !file->sections->raw_section(id, section))
+                continue;
+            if (section.type == OFE::SHT_ARM_EXIDX && !can_throw) continue;
+            if (section.link < file->bits.size() && (file->bits[section.link] & REGISTERED))
+                register_any_section(*file, id);
+        }
+    }
+    register_referenced_objects();
+}
+
+// ---- what is wrong with a reference
+
+void REGISTRAR::report_mapped_symbol(FILE_STATE& file, unsigned sym_id) {
+    const uint32_t name = file.names ? file.names->name_id(sym_id) : NAME_TABLE::NO_NAME;
+    if (name == NAME_TABLE::NO_NAME || global_symbols.mapped_id(name) == name) return;
+    OF_RAW_SYMBOL raw;
+    if (!file.symbols->raw_symbol(sym_id, raw)) return;
+    if (raw.kind != OFE::OF_SYM_KIND_DEFINED && raw.kind != OFE::OF_SYM_KIND_ABSOLUTE &&
+        raw.kind != OFE::OF_SYM_KIND_COMMON)
+        return;
+    DIAG_REPORT(elnk_mapped_sym_ref_def_in_same_file, global_symbols.diag_sym_name(raw.name),
+                global_symbols.diag_sym_name(global_symbols.mapped_to(raw.name)),
+                file.file->name());
+}
+
+void REGISTRAR::report_discarded(const WORK& from, const char* from_name, const OF_RAW_RELOC& reloc,
+                                 const TARGET_REF& target) {
+    OF_RAW_SYMBOL raw;
+    from.file->symbols->raw_symbol(reloc.sym_id, raw);
+    const OFE::OF_RELOC_TYPE* type = from.file->object->machine_reloc_type(reloc.type);
+    DIAG_REPORT(elnk_invalid_reloc_scn, type ? type->name : "", from.file->file->name(),
+                reloc.offset, from_name, from.section_id, global_symbols.diag_sym_name(raw.name),
+                target.section_id);
+}
