@@ -107,6 +107,22 @@ void choose_load_member(COLLECTION* overlay) {
     if (chosen != nullptr) chosen->set_attr(PA_OVLY_LOC_BOTH_PLACEMENT);
 }
 
+/// The wishes of a UNION for the member that takes them over; the member's inner layout stays.
+LOCATOR* copy_for_member(const LOCATOR* enclosing, const LOCATOR* own) {
+    constexpr uint32_t LAYOUT = LF_ORDERED | LF_UNORDERED | LF_PALIGN | LF_POWER2 | LF_OVERLAY |
+                                LF_UNION | LF_BLOCK | LF_SPLIT;
+    auto* copy = new LOCATOR(*enclosing);
+    copy->set_kind(LOCATOR_KIND::BOTH);
+    copy->clear_flag(LAYOUT);
+    copy->sub_items().clear();
+    copy->clear_pending_items();
+    if (own == nullptr) return copy;
+    copy->set_flag(own->flags() & (LAYOUT & ~uint32_t{LF_BLOCK}));
+    copy->add_min_align(own->alignment());
+    copy->add_min_block(own->blocking());
+    return copy;
+}
+
 /// The object must have a load address and nothing says where.
 void require_load(ANALYSIS& a) {
     if (a.run != nullptr) {
@@ -117,10 +133,7 @@ void require_load(ANALYSIS& a) {
     }
     if (a.load != nullptr) return;
     if (a.enclosing_run != nullptr && a.object->has_attr(PA_OVLY_LOC_BOTH_PLACEMENT)) {
-        a.run = new LOCATOR(*a.enclosing_run);
-        a.run->sub_items().clear();
-        a.run->clear_pending_items();
-        a.run->set_kind(LOCATOR_KIND::BOTH);
+        a.run = copy_for_member(a.enclosing_run, a.object->run_locator());
         return;
     }
     DIAG_REPORT_AT(position_of(a.object), elnk_place_load_init_obj, a.object->name());

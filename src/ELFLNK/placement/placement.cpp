@@ -1,6 +1,8 @@
 // The phase itself: the analysis, the three worklists, and what happens between them.
 #include "ELFLNK/placement/placement.h"
 
+#include <algorithm>
+
 #include "DIAG/elnk_msgs.h"
 #include "DIAG/source_position.h"
 #include "ELFLNK/memmap/memory_map.h"
@@ -76,19 +78,27 @@ void place_phase_3() {
 
 } // namespace
 
-void place_worklist(LOCATOR_LIST& list) {
-    bool any_alias = false;
-    for (const MEMORY_RANGE* range : *memory_map) any_alias = any_alias || is_aliased(range);
+/// Must the rest of the list be sorted again, now that `placed` is out of it?
+static bool must_sort_again(LOCATOR* placed, const LOCATOR_LIST& rest, WORKLIST_KEYS& keys) {
+    if (!placed->placement_specified()) return true;
+    auto competes = [placed](LOCATOR* other) { return placed->competes_for_range_vs(other); };
+    if (std::none_of(rest.begin(), rest.end(), competes)) return false;
+    return keys.order_may_change(placed, rest);
+}
 
+void place_worklist(LOCATOR_LIST& list) {
+    bool any_alias = std::any_of(memory_map->begin(), memory_map->end(), is_aliased);
+    WORKLIST_KEYS keys;
     bool sort = true;
     while (!list.empty()) {
-        if (sort || any_alias) sort_worklist(list, true);
+        if (sort || any_alias) {
+            sort_worklist(list, true);
+            keys.note(list);
+        }
         LOCATOR* locator = list.front();
         list.erase(list.begin());
         locator->place_object();
-        sort = !locator->placement_specified();
-        for (size_t i = 0; i < list.size() && !sort; ++i)
-            sort = locator->competes_for_range_vs(list[i]);
+        sort = must_sort_again(locator, list, keys);
     }
 }
 

@@ -9,6 +9,7 @@
 
 #include "DIAG/elnk_msgs.h"
 #include "DIAG/source_position.h"
+#include "ELFLNK/memmap/memory_map.h"
 #include "ELFLNK/object/linker_object.h"
 #include "ELFLNK/placement/order/priority_dag.h"
 #include "ELFLNK/target/abi.h"
@@ -141,4 +142,46 @@ void sort_worklist(LOCATOR_LIST& list, bool use_priorities) {
     append(main);
     for (BUCKET rest : {LAST, COPY_TABLES, EXIDX, DYNAMIC, VIRTUAL}) append(bucket[rest]);
     warn_of_priorities_not_honored(list);
+}
+
+/// False if the order rests on more than ranges and sizes.
+bool WORKLIST_KEYS::key_of(LOCATOR* locator, KEY& key) {
+    if (locator->has_flag(LF_SPECIFIC) || locator->is_virtual()) return true; // by the bucket
+    if (!locator->has_flag(LF_RANGES | LF_ATTRS) || locator->is_complete()) return false;
+    if (memory_map->size() > 64) return false;
+    key.size = locator->object()->size();
+    uint64_t bit = 1;
+    uint64_t room = 0;
+    for (MEMORY_RANGE* range : *memory_map) {
+        if (locator->can_use_range(range)) {
+            key.ranges |= bit;
+            room += range->unused();
+        }
+        bit <<= 1;
+    }
+    return key.size <= room;
+}
+
+void WORKLIST_KEYS::note(const LOCATOR_LIST& list) {
+    keys_.clear();
+    for (LOCATOR* locator : list) {
+        KEY key{};
+        if (key_of(locator, key)) keys_[locator] = key;
+    }
+}
+
+bool WORKLIST_KEYS::order_may_change(const LOCATOR* placed, const LOCATOR_LIST& rest) {
+    if (placed->is_run()) return true; // its load placement may go first now
+    std::vector<uint64_t> sets;
+    for (LOCATOR* locator : rest) {
+        auto before = keys_.find(locator);
+        KEY key{};
+        if (before == keys_.end() || !key_of(locator, key)) return true;
+        if (key.ranges != before->second.ranges || key.size != before->second.size) return true;
+        if (std::find(sets.begin(), sets.end(), key.ranges) != sets.end()) continue;
+        for (uint64_t set : sets)
+            if ((set & key.ranges) != 0) return true;
+        sets.push_back(key.ranges);
+    }
+    return false;
 }
