@@ -51,6 +51,7 @@ void REGISTRAR::register_objects() {
     register_referenced_objects();
     if (work_.empty()) DIAG_REPORT(elnk_no_input_sections);
     register_sh_link_dependences();
+    root_collection->set_objects_registered();
     // No input section gets an object below.
     trace_load.pop();
 }

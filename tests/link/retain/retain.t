@@ -1,0 +1,92 @@
+--retain keeps symbols, sections and archive members that nothing reaches.
+--- a.s
+    .global _start
+    .section .text._start, "ax"
+    .thumb_func
+_start: bx lr
+    .section .isr_vector, "a"
+    .word 0x20001000, 0x101
+    .section .data.kept, "aw"
+    .global kept
+kept: .word 5
+    .section .data.other, "aw"
+    .global other
+other: .word 6
+--- member.s
+    .section .data.member, "aw"
+    .global member
+member: .word 8
+--- b.s
+    .section .isr_vector, "a"
+    .word 1, 2, 3
+--- archive lib.a member.o
+--- ok.cmd
+--entry_point=_start
+MEMORY { M : origin = 0x1000, length = 0x1000 }
+SECTIONS { .vectors : { *(.isr_vector) } > M   .text : { *(.text*) } > M   .data : { *(.data*) } > M }
+--- case without it they go
+--- args
+a.o ok.cmd -o out.elf
+--- section
+.vectors - -
+.data - -
+--- case a section of any file
+--- args
+a.o b.o ok.cmd --retain=*(.isr_vector) -o out.elf
+--- section
+.vectors - 20
+--- case a section of one file
+--- args
+a.o b.o ok.cmd --retain=b.o(.isr_vector) -o out.elf
+--- section
+.vectors - 12
+--- case a symbol
+--- args
+a.o ok.cmd --retain=kept -o out.elf
+--- sym
+kept - .data
+other -
+--- case symbols by a pattern
+--- args
+a.o ok.cmd "--retain=?t*r" -o out.elf
+--- sym
+other - .data
+kept -
+--- case a symbol that an archive has
+--- args
+a.o lib.a ok.cmd --retain=member -o out.elf
+--- sym
+member - .data
+--- case a member is loaded, and its section kept
+--- args
+a.o lib.a ok.cmd "--retain=lib.a<member.o>(.data*)" -o out.elf
+--- sym
+member - .data
+--- case several sections
+--- args
+a.o ok.cmd "--retain=*(.isr_vector, .data.other)" -o out.elf
+--- sym
+other - .data
+--- section
+.vectors - 8
+--- case everything by symbol is refused
+--- args
+a.o ok.cmd --retain=* -o out.elf
+--- exit
+1
+--- stderr has
+error: invalid parameter * to option --retain
+--- case everything by member is refused
+--- args
+a.o ok.cmd "--retain=*<*>(*)" -o out.elf
+--- exit
+1
+--- stderr has
+error: invalid parameter *<*>(*) to option --retain
+--- case a list that does not end
+--- args
+a.o ok.cmd "--retain=*(.data" -o out.elf
+--- exit
+1
+--- stderr has
+error: invalid parameter *(.data to option --retain
