@@ -8,10 +8,9 @@ class SOURCE_POSITION;
 
 class FILL_SPEC {
   public:
-    /// Width in bits; radix as written (8, 10, 16...).
-    FILL_SPEC(uint64_t value, uint32_t radix, uint32_t width)
-        : value_(value), radix_(radix), width_(width) {}
-    ~FILL_SPEC();
+    /// A value as written: its radix (8, 10, 16...) and number of digits give the width in bits.
+    FILL_SPEC(uint64_t value, uint32_t radix, uint32_t digits)
+        : value_(value), radix_(radix), width_(bits_in_value(value, radix, digits)) {}
     FILL_SPEC(const FILL_SPEC&) = delete;
     FILL_SPEC& operator=(const FILL_SPEC&) = delete;
 
@@ -44,7 +43,7 @@ class FILL_SPEC {
     uint64_t value_;
     uint32_t radix_;
     uint32_t width_;
-    char* text_ = nullptr;
+    const char* text_ = nullptr;
 
     static FILL_SPEC* default_m;
     static FILL_SPEC* zero_m;

@@ -11,15 +11,16 @@ class MEMORY_MAP_TABLE : public TEXT_TABLE {
     void add_range(MEMORY_RANGE* range);
 
   private:
-    enum COLUMN : unsigned { NAME, ORIGIN, END, LENGTH, ATTRS, FILL, PAGE, COLUMNS };
+    enum COLUMN : int { NAME, ORIGIN, END, LENGTH, ATTRS, FILL, PAGE, COLUMNS };
 
-    void set_cell(COLUMN column, const char* text);
+    /// The text behind two blanks per level.
+    void set_name_cell(const char* text);
     void add_hole(uint64_t next);
     void add_item(LOCATOR* locator);
     void add_subitems(LOCATOR* locator);
     static bool suppress_map_entry(const LOCATOR* locator);
 
-    unsigned row_ = 0;
+    int row_ = 0;
     int depth_ = 0;
     uint64_t cursor_ = 0;
 };

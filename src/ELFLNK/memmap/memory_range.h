@@ -17,9 +17,15 @@ class LOCATOR;
 
 /// LOCATOR::less_by_address as a predicate of sets.
 struct LESS_BY_ADDRESS {
+    using is_transparent = void;
     bool operator()(const LOCATOR* a, const LOCATOR* b) const;
+    bool operator()(const LOCATOR* a, uint64_t address) const;
 };
-using LOCATOR_SET = std::set<LOCATOR*, LESS_BY_ADDRESS>;
+class LOCATOR_SET : public std::set<LOCATOR*, LESS_BY_ADDRESS> {
+  public:
+    /// The item with the highest start; the set isn't empty.
+    LOCATOR* back() const { return *rbegin(); }
+};
 
 class MEMORY_RANGE {
   public:
@@ -36,8 +42,8 @@ class MEMORY_RANGE {
     /// A declaration; the properties follow one by one. The name isn't copied.
     MEMORY_RANGE(const char* name, const SOURCE_POSITION* pos);
     /// A range of the linker's own, complete.
-    MEMORY_RANGE(const char* name, int page, uint64_t origin, uint64_t length,
-                 uint32_t attrs = ATTR_ALL);
+    MEMORY_RANGE(const char* name, uint64_t origin, uint64_t length, uint32_t attrs = ATTR_ALL,
+                 int page = 0);
     /// A trial copy: same properties, empty contents.
     explicit MEMORY_RANGE(MEMORY_RANGE* source);
     ~MEMORY_RANGE();
@@ -58,8 +64,8 @@ class MEMORY_RANGE {
     int page() const { return page_; }
     uint64_t origin() const { return origin_; }
     uint64_t length() const { return length_; }
-    /// Origin plus length: the first address behind the range.
-    uint64_t end() const { return origin_ + length_; }
+    /// The first address behind the range: origin plus length, all ones where that would wrap.
+    uint64_t end() const { return length_ > ~origin_ ? ~uint64_t{0} : origin_ + length_; }
     uint32_t attrs() const { return attrs_; }
     bool is_hidden() const { return (attrs_ & ATTR_HIDDEN) != 0; }
     bool is_temp_layout() const { return (attrs_ & ATTR_TEMP_LAYOUT) != 0; }
@@ -75,6 +81,11 @@ class MEMORY_RANGE {
     /// For trial ranges and the linker's own.
     void set_origin(uint64_t origin) { origin_ = origin; }
     void set_length(uint64_t length) { length_ = length; }
+    /// The bounds of a trial: [begin, end).
+    void set_subrange_endpoints(uint64_t begin, uint64_t end) {
+        origin_ = begin;
+        length_ = end - begin;
+    }
     void clear_reserved() { reserved_ = 0; }
     bool holds(uint64_t address) const { return address >= origin_ && address - origin_ < length_; }
 
@@ -88,10 +99,10 @@ class MEMORY_RANGE {
     // ---- contents --------------------------------------------------------------------------
     /// Top level locators by address; walked backwards for a HIGH placement.
     const LOCATOR_SET& contents() const { return contents_; }
-    /// Locators of all objects without further sub-items.
+    /// Locators of all objects without further sub-items; kept for root ranges only.
     const LOCATOR_SET& leaf_contents() const { return leaf_contents_; }
-    void add_item(LOCATOR* locator, bool is_subitem);
-    void remove_item(LOCATOR* locator, bool is_subitem);
+    void add_item(LOCATOR* locator, bool is_subitem = false);
+    void remove_item(LOCATOR* locator, bool is_subitem = false);
     void clear_contents();
     LOCATOR* locator_for_address(uint64_t address) const;
     LOCATOR* leaf_locator_for_address(uint64_t address) const;
@@ -104,11 +115,10 @@ class MEMORY_RANGE {
     void unreserve();
     uint32_t reserved() const { return reserved_; }
     /// Lowest gap between contents that, cut to [from, to), has at least `size` (and isn't empty).
-    bool first_hole(uint64_t from, uint64_t to, uint64_t size, HOLE* out) const;
+    /// `align`, a power of two, is that of the start within the gap.
+    bool first_hole(uint64_t from, uint64_t to, uint64_t size, uint64_t align, HOLE* out) const;
     /// Highest such gap.
     bool last_hole(uint64_t from, uint64_t to, uint64_t size, HOLE* out) const;
-    /// Largest gap within origin and end.
-    uint64_t largest_hole() const;
 
     // ---- texts -----------------------------------------------------------------------------
     /// "RWIX" letters, capitals, each once, to bits.
@@ -122,8 +132,9 @@ class MEMORY_RANGE {
   private:
     void enter(LOCATOR* locator);
     void leave(LOCATOR* locator);
-    void note_neighbours(LOCATOR_SET::const_iterator at);
-    void rebuild_holes() const;
+    bool starts_item(uint64_t address) const;
+    void take_from_holes(uint64_t start, uint64_t end) const;
+    void forget_holes() const;
     const HOLE_INDEX& holes() const;
     uint64_t unused_by_walk() const;
 
@@ -147,10 +158,10 @@ class MEMORY_RANGE {
     LOCATOR_SET contents_;
     LOCATOR_SET leaf_contents_;
 
-    // Derived from contents_: the space that items cover, and the holes between them. While no two
-    // items overlap both follow each change; after an overlap they are worked out when asked for.
-    uint64_t covered_ = 0;
-    std::size_t overlaps_ = 0;
-    mutable bool holes_valid_ = false;
+    // Derived from contents_: the holes, and the space that items cover. Made when first asked for.
+    // While no two items overlap they follow each change; afterwards each change drops them.
     mutable std::unique_ptr<HOLE_INDEX> holes_;
+    mutable uint64_t covered_ = 0;
+    mutable bool holes_valid_ = false;
+    mutable bool overlapped_ = false;
 };

@@ -138,7 +138,8 @@ class COLLECTION : public LINKER_OBJECT {
     void add_assign_from_dot(const char* symbol);
 
   protected:
-    MEMBER_LIST& members_mutable() { return members_; }
+    /// Empties the list; the members keep no parent.
+    void clear_members();
     void check_unlocked(const char* action, const LINKER_OBJECT* obj) const;
     /// Fix the size without a walk over the members.
     void set_valid_size(uint64_t size, uint64_t est);
@@ -149,18 +150,17 @@ class COLLECTION : public LINKER_OBJECT {
         uint64_t size = 0;
         uint64_t est = 0;
     };
-    EXTENT contribution(LINKER_OBJECT* member) const;
-    bool counts_in_size(const LINKER_OBJECT* member) const;
+    /// A member was added: only it is missing in the sum.
+    void note_added(LINKER_OBJECT* obj);
     void sum_members();
-    void settle_size();
-    void grow_size(const EXTENT& by);
-    bool can_grow() const;
+    void add_to_sum(LINKER_OBJECT* member);
 
     COLLECTION_KIND kind_;
     MEMBER_LIST members_;
     uint64_t est_size_min_ = 0;
     uint64_t size_ = 0;
-    EXTENT sum_; // plain sum of the members, before the target's and the fixed minimum's say
+    EXTENT sum_; // plain sum of the members but the unsummed, while sum_valid_
+    std::vector<LINKER_OBJECT*> unsummed_;
     uint64_t fixed_min_size_ = 0;
     uint32_t alignment_ = 0;
     uint32_t min_alignment_ = 0;

@@ -113,7 +113,7 @@ class LINKER_OBJECT {
     const SOURCE_POSITION& source_position() const { return position_; }
     void set_source_position(const SOURCE_POSITION& pos) { position_ = pos; }
     COLLECTION* parent() const { return parent_; }
-    uint32_t obj_id() const { return obj_id_; }
+    uint32_t id() const { return obj_id_; }
 
     // ---- attributes ------------------------------------------------------------------------
     uint32_t attrs() const { return attrs_; }
@@ -160,8 +160,6 @@ class LINKER_OBJECT {
     void add_assignment(EXPRESSION* expr, bool user);
     void add_linker_assignment(EXPRESSION* expr);
     void add_linker_assignment(const char* symbol, EXPRESSION* value, EXPR_SYM_BINDING binding);
-    void assign_invalid_code_binding(const char* symbol);
-    void assign_invalid_data_binding(const char* symbol);
     void remove_assignment(EXPRESSION* expr);
     LINKER_OBJECT* padding() const { return padding_; }
     void attach_padding(LINKER_OBJECT* pad);
@@ -173,14 +171,14 @@ class LINKER_OBJECT {
     bool is_split_container() const { return is_split_container_; }
     bool is_visited() const { return visited_; }
     bool set_visited(bool on);
-    bool output_section_built() const { return output_section_built_; }
-    void set_output_section_built(bool on) { output_section_built_ = on; }
+    bool output_updated() const { return output_updated_; }
+    void set_output_updated(bool on) { output_updated_ = on; }
     bool data_written() const { return data_written_; }
     void set_data_written(bool on) { data_written_ = on; }
     /// Output section data is buffered and saved by itself at the end.
-    bool data_deferred() const { return data_deferred_; }
-    void set_data_deferred(bool on) { data_deferred_ = on; }
-    bool is_finalized() const { return finalized_; }
+    bool output_buffered() const { return output_buffered_; }
+    void set_output_buffered(bool on) { output_buffered_ = on; }
+    bool finalized() const { return finalized_; }
     void set_finalized(bool on) { finalized_ = on; }
 
     /// Header, then properties one step deeper; makes a printer of its own if given none.
@@ -224,9 +222,9 @@ class LINKER_OBJECT {
     bool is_output_section_ : 1 = false;
     bool is_split_container_ : 1 = false;
     bool visited_ : 1 = false;
-    bool output_section_built_ : 1 = false;
+    bool output_updated_ : 1 = false;
     bool data_written_ : 1 = false;
-    bool data_deferred_ : 1 = false;
+    bool output_buffered_ : 1 = false;
     bool finalized_ : 1 = false;
 
     static uint32_t obj_count_m;

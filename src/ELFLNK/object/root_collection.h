@@ -55,8 +55,9 @@ class ROOT_COLLECTION : public COLLECTION {
     const OUTSECT_SET& outsects() const { return outsects_; }
     LINKER_OBJECT* lookup_OF_outsect(const OFE::OF_SECTION* output) const;
     using COLLECTION::set_output_OF_SECTION;
-    void set_output_OF_SECTION(OFE::OF_SECTION* output, LINKER_OBJECT* obj);
-    void forget_output_OF_SECTION(const OFE::OF_SECTION* output);
+    void set_output_OF_SECTION(OFE::OF_SECTION* output, LINKER_OBJECT* obj) {
+        obj->set_output_OF_SECTION(output);
+    }
 
     // ---- the tree --------------------------------------------------------------------------
     /// Takes the object, and what is below it, out of the tree and the indexes.
@@ -65,16 +66,24 @@ class ROOT_COLLECTION : public COLLECTION {
     COLLECTION* find_enclosing_collection(LINKER_OBJECT* obj, const LINKER_OBJECT* other);
     /// Ends the collection phase: attributes of the whole tree.
     void update_after_collection();
+    /// Every section that takes part is known from here on.
+    void set_objects_registered() { objects_registered_ = true; }
+    bool objects_registered() const { return objects_registered_; }
     bool symbol_is_in_link(const OFE::OF_SYMBOL* symbol) const;
     bool object_is_in_link(const LINKER_OBJECT* obj) const;
 
   private:
-    friend class LINKER_OBJECT; // renames output sections
+    friend class LINKER_OBJECT; // names and output sections change there
+    void map_output(const OFE::OF_SECTION* output, LINKER_OBJECT* obj) {
+        output_map_[output] = obj;
+    }
+    void unmap_output(const OFE::OF_SECTION* output) { output_map_.erase(output); }
     void index_outsect_name(LINKER_OBJECT* obj);
     void unindex_outsect_name(LINKER_OBJECT* obj);
 
     std::vector<std::vector<SECTION*>> sections_; // by file number, then section index
     std::size_t section_count_ = 0;
+    bool objects_registered_ = false;
     SYMBOL_OBJECT_MAP symbol_objects_;
     OUTSECT_SET outsects_;
     std::unordered_map<std::string_view, std::vector<LINKER_OBJECT*>>

@@ -15,7 +15,7 @@ class SECTION : public LINKER_OBJECT {
   public:
     static constexpr uint32_t NO_FILE_ID = ~0U;
 
-    /// An input section; enters the root's section map.
+    /// An input section. Who makes it enters it in the root's section map.
     SECTION(OBJ_FILE* file, OFE::OF_SECTION* section);
     /// A section that the linker generates; it has a name and data later, or none.
     explicit SECTION(const char* name, const SOURCE_POSITION* pos = nullptr);
@@ -30,27 +30,29 @@ class SECTION : public LINKER_OBJECT {
     void finalize_internal(OFE::OF_SECTION* output, uint32_t offset) override;
     void write_data_internal(OFE::OF_SECTION* output, uint32_t offset) override;
     void dump_header(PPRINT* out) override;
-    void dump_properties(PPRINT* out) override;
     virtual bool is_compressed_scn() const { return false; }
 
     /// The file that holds the section; null for a generated one.
-    OBJ_FILE* obj_file() const { return file_; }
+    OBJ_FILE* object_file() const { return file_; }
     /// The file that the section came from: for embedded code the file it was made for.
     OBJ_FILE* orig_infile() const;
     /// Section of the object file layer, looked up by name on first use; null for a generated one.
-    OFE::OF_SECTION* of_section();
-    const OFE::OF_SECTION* of_section() const { return const_cast<SECTION*>(this)->of_section(); }
-    void set_of_section(OFE::OF_SECTION* section) { section_ = section; }
+    OFE::OF_SECTION* OF_SECTION_api();
+    const OFE::OF_SECTION* OF_SECTION_api() const {
+        return const_cast<SECTION*>(this)->OF_SECTION_api();
+    }
+    void set_OF_SECTION(OFE::OF_SECTION* section) { section_ = section; }
     /// Section name as in the input, without a file tag.
     const char* original_section_name() const { return original_name_; }
+    /// The name without a tag "[n]" in front.
+    static const char* orig_section_name(const char* name);
     uint32_t embedded_file_id() const { return embedded_file_id_; }
 
-    CALL_INFO* add_call_info();
     void set_call_info(CALL_INFO* info) { call_info_ = info; }
     uint32_t preferred_priority() const { return preferred_priority_; }
     void set_preferred_priority(uint32_t n) { preferred_priority_ = n; }
 
-    bool is_relocated() const { return relocated_; }
+    bool relocated() const { return relocated_; }
     void set_relocated(bool on) { relocated_ = on; }
     /// Apply the section's relocations to its data, once.
     void relocate_data(OFE::OF_SECTION* output);
@@ -60,8 +62,6 @@ class SECTION : public LINKER_OBJECT {
 
   private:
     void set_elf_scn_attributes();
-    void set_pmdata_attributes();
-    void split_file_tag();
 
     OBJ_FILE* file_ = nullptr;
     OFE::OF_SECTION* section_ = nullptr;

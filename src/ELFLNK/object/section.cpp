@@ -1,0 +1,110 @@
+// Input sections: attributes from the file's section header, sizes and names on demand.
+#include "ELFLNK/object/section.h"
+
+#include <cctype>
+
+#include "DIAG/elnk_msgs.h"
+#include "ELFLNK/file/obj_file.h"
+#include "ELFLNK/target/abi.h"
+#include "ELFLNK/target/target.h"
+#include "OBJEDIT04/machine/machine_db.h"
+#include "OBJEDIT04/ofe/object_file.h"
+#include "OBJEDIT04/ofe/of_section.h"
+#include "OBJEDIT04/ofe/of_section_table.h"
+#include "OPTIONGEN/option_obj.h"
+#include "UTIL/savestr.h"
+
+namespace {
+
+constexpr uint32_t SHT_NOBITS = 8;
+constexpr uint32_t SHF_WRITE = 0x1;
+constexpr uint32_t SHF_ALLOC = 0x2;
+constexpr uint32_t SHF_EXECINSTR = 0x4;
+constexpr uint32_t SHF_TLS = 0x400;
+constexpr uint32_t QV_SHF_BOUND = 0x4;
+constexpr uint32_t QV_FLAG_MASK = 0x1E; // bits 1 to 4 go into the output
+
+} // namespace
+
+SECTION::SECTION(OBJ_FILE* file, OFE::OF_SECTION* section)
+    : LINKER_OBJECT(nullptr), file_(file), section_(section), original_name_(section->name()) {
+    if (section->ofile()->format() == OFE::OF_FORMAT_ELF) set_elf_scn_attributes();
+    if (Target->abi()->section_is_pmdata(section)) set_attr(PA_PMDATA | PA_P3_PLACEMENT);
+}
+
+SECTION::SECTION(const char* name, const SOURCE_POSITION* pos)
+    : LINKER_OBJECT(name, pos), original_name_(name) {}
+
+SECTION::~SECTION() = default;
+
+const char* SECTION::orig_section_name(const char* name) {
+    if (name[0] != '[') return name;
+    const char* p = name + 1;
+    while (std::isdigit(static_cast<unsigned char>(*p)) != 0) ++p;
+    return p > name + 1 && *p == ']' ? p + 1 : name;
+}
+
+const char* SECTION::make_name() const {
+    if (file_ == nullptr) return original_name_;
+    const char* name = savestrf("%s:%s", original_name_, file_->object_file()->display_name());
+    keep_name(name);
+    return name;
+}
+
+OBJ_FILE* SECTION::orig_infile() const {
+    return file_;
+}
+
+OFE::OF_SECTION* SECTION::OF_SECTION_api() {
+    if (section_ == nullptr && file_ != nullptr)
+        section_ = file_->object_file()->section_table()->section_name(original_name_, 0);
+    return section_;
+}
+
+void SECTION::set_elf_scn_attributes() {
+    OFE::OF_RAW_SECTION header;
+    if (!section_->section_table()->raw_section(section_->id(), header)) return;
+    auto choose = [this](uint32_t bits, bool on) { on ? set_attr(bits) : clear_attr(bits); };
+
+    choose(PA_EXEC, (header.flags & SHF_EXECINSTR) != 0);
+    choose(PA_NE_DATA, (header.flags & SHF_EXECINSTR) == 0);
+    choose(PA_ALLOCATED, (header.flags & SHF_ALLOC) != 0);
+    if ((header.flags & SHF_ALLOC) == 0) clear_attr(PA_NE_DATA | PA_EXEC);
+    choose(PA_HAS_DATA, header.type != SHT_NOBITS);
+    choose(PA_WRITE, (header.flags & SHF_WRITE) != 0);
+    choose(PA_TLS, (header.flags & SHF_TLS) != 0);
+
+    OFE::OF_MACHINE_DB* machine = section_->ofile()->machine_db();
+    if (machine == nullptr) return;
+    if (machine->is_noinit(section_)) {
+        if (global_opts->isopt(OPT_ram_model))
+            DIAG_REPORT(elnk_noinit_in_ram_model, name());
+        else
+            set_attr(PA_NOINIT);
+    }
+    if (machine->is_bound(section_) || (header.ext_flags & QV_SHF_BOUND) != 0) set_attr(PA_BOUND);
+    choose(PA_READONLY, machine->is_readonly(section_));
+    if (has_all_attrs(PA_READONLY | PA_BOUND)) set_attr(PA_NOLOAD);
+}
+
+uint64_t SECTION::size() {
+    OFE::OF_SECTION* section = OF_SECTION_api();
+    return section != nullptr ? section->size() : 0;
+}
+
+uint32_t SECTION::alignment() const {
+    OFE::OF_SECTION* section = const_cast<SECTION*>(this)->OF_SECTION_api();
+    return section != nullptr ? section->align() : 0;
+}
+
+uint32_t SECTION::blocking() const {
+    OFE::OF_SECTION* section = const_cast<SECTION*>(this)->OF_SECTION_api();
+    if (section == nullptr || !section->is_blocked()) return 0;
+    return static_cast<uint32_t>(Target->abi()->default_block_size());
+}
+
+uint32_t SECTION::qv_flags() {
+    OFE::OF_SECTION* section = OF_SECTION_api();
+    if (section == nullptr || section->ofile()->format() != OFE::OF_FORMAT_ELF) return 0;
+    return section->ext_flags() & QV_FLAG_MASK;
+}

@@ -1,0 +1,144 @@
+// What a specification takes, and the two orders of specifications: as written, and by how narrow
+// their section patterns are.
+#include "ELFLNK/object/section_spec.h"
+
+#include <string>
+
+#include "ELFLNK/file/archive_file.h"
+#include "ELFLNK/file/obj_file.h"
+#include "ELFLNK/filter/filter.h"
+#include "ELFLNK/load/load.h"
+#include "ELFLNK/object/section.h"
+#include "ELFLNK/target/abi.h"
+#include "ELFLNK/target/target.h"
+#include "OBJEDIT04/ofe/of_symbol.h"
+#include "UTIL/filename.h"
+
+SECTION_SPEC::SECTION_SPEC(const char* name, const SOURCE_POSITION* pos)
+    : COLLECTION(name, COLLECTION_GROUP, pos) {}
+
+SECTION_SPEC::~SECTION_SPEC() {
+    delete file_filter_;
+    delete member_filter_;
+    delete section_filter_;
+}
+
+void SECTION_SPEC::add_file_name(const char* pattern) {
+    delete file_filter_;
+    file_filter_ = new FILENAME_FILTER(pattern);
+}
+
+void SECTION_SPEC::add_ar_member_name(const char* pattern) {
+    delete member_filter_;
+    member_filter_ = new FILENAME_FILTER(pattern);
+}
+
+void SECTION_SPEC::add_section_name(const char* pattern) {
+    auto* filter = new SECTION_FILTER(pattern);
+    section_filter_ = section_filter_ == nullptr
+                          ? filter
+                          : new SECTION_FILTER(FILTER::OR, filter, section_filter_);
+}
+
+// ---- matching ------------------------------------------------------------------------------
+
+bool SECTION_SPEC::match_file(OBJ_FILE* file) const {
+    if (file_ == nullptr && file_filter_ == nullptr && member_filter_ == nullptr) return true;
+    if (file == nullptr) return false;
+    INPUT_FILE* container = file;
+    if (file->archive() != nullptr) container = file->archive();
+    if (file_ != nullptr && !file_->is_same_file(container)) return false;
+    if (file_ == nullptr && file_filter_ != nullptr) {
+        const char* full = container->name();
+        if (!file_filter_->match(full) && !file_filter_->match(fn_basename(full))) return false;
+    }
+    if (member_filter_ == nullptr) return true;
+    return file->archive() != nullptr && member_filter_->match(file->member_name());
+}
+
+bool SECTION_SPEC::accepts_without_section_filter() const {
+    if (section_filter_ != nullptr || file_ != nullptr) return true;
+    return file_filter_ == nullptr || !file_filter_->has_wildcards();
+}
+
+bool SECTION_SPEC::match_section(const char* name, OBJ_FILE* file) const {
+    if (section_filter_ != nullptr && !section_filter_->match(name)) return false;
+    return match_file(file) && accepts_without_section_filter();
+}
+
+bool SECTION_SPEC::match_section(SECTION* section) const {
+    return match_section(section->original_section_name(), section->orig_infile());
+}
+
+bool SECTION_SPEC::match_common_symbol(OFE::OF_SYMBOL* symbol) const {
+    if (symbol->kind() != OFE::OF_SYM_KIND_COMMON || symbol->refs_section()) return false;
+    if (section_filter_ != nullptr) {
+        std::string name = Target->abi()->common_block_section_name(symbol);
+        name += ':';
+        name += symbol->name();
+        if (!section_filter_->match(name.c_str())) return false;
+    }
+    return match_file(symbol_obj_file(symbol));
+}
+
+// ---- orders --------------------------------------------------------------------------------
+
+namespace {
+
+template <class T>
+int compare(T a, T b) {
+    return a < b ? -1 : b < a ? 1 : 0;
+}
+
+/// Two default specifications go by their output sections.
+int compare_default(const SECTION_SPEC* a, const SECTION_SPEC* b) {
+    const COLLECTION* in_a = a->containing_outsect();
+    const COLLECTION* in_b = b->containing_outsect();
+    if (in_a == nullptr || in_b == nullptr) {
+        if (in_a != in_b) return in_a == nullptr ? 1 : -1;
+        return LINKER_OBJECT::sort_by_id(a, b);
+    }
+    const uint32_t order_a = in_a->order_number();
+    const uint32_t order_b = in_b->order_number();
+    if ((order_a != 0) != (order_b != 0)) return order_a != 0 ? -1 : 1;
+    if (order_a != order_b) return compare(order_a, order_b);
+    return LINKER_OBJECT::sort_by_id(a, b);
+}
+
+} // namespace
+
+int SECTION_SPEC::sort_order(const LINKER_OBJECT* a, const LINKER_OBJECT* b) {
+    if (a == b) return 0;
+    const auto* spec_a = static_cast<const SECTION_SPEC*>(a);
+    const auto* spec_b = static_cast<const SECTION_SPEC*>(b);
+    if (spec_a->is_default_ != spec_b->is_default_) return spec_a->is_default_ ? 1 : -1;
+    if (spec_a->is_default_) return compare_default(spec_a, spec_b);
+    return compare(spec_a->order_number(), spec_b->order_number());
+}
+
+bool SECTION_SPEC::less_order(const LINKER_OBJECT* a, const LINKER_OBJECT* b) {
+    return sort_order(a, b) < 0;
+}
+
+void SECTION_SPEC::order_by_restrictiveness(std::vector<SECTION_SPEC*>& specs) {
+    if (specs.size() < 2) return;
+    std::vector<SECTION_SPEC*> slots;
+    slots.swap(specs);
+    for (std::size_t i = 0; i < slots.size();) {
+        if (slots[i] == nullptr) {
+            ++i;
+            continue;
+        }
+        std::size_t best = i;
+        for (std::size_t j = i + 1; j < slots.size(); ++j) {
+            if (slots[j] == nullptr || slots[j]->section_filter_ == nullptr) continue;
+            if (slots[j]->is_default_ != slots[best]->is_default_) break;
+            if (slots[best]->section_filter_ == nullptr ||
+                slots[best]->section_filter_->supersedes(slots[j]->section_filter_))
+                best = j;
+        }
+        specs.push_back(slots[best]);
+        slots[best] = nullptr;
+        if (best == i) ++i;
+    }
+}
