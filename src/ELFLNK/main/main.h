@@ -23,6 +23,8 @@ void install_common_handlers(void (*handler)(int), void (*callback)(int));
 [[noreturn]] void signal_handler(int sig);
 /// Says on standard error what to do about a defect of the linker.
 void print_support_message();
+/// argv[0] if it can be trusted, else "unknown".
+const char* program_name();
 /// The next word of the command line, or null.
 const char* next_argv_arg();
 

@@ -1,0 +1,21 @@
+// The objects of the link. There is one of each; they are made before main() runs, in this order,
+// and live until the process ends.
+#include "ELFLNK/file/file_manager.h"
+#include "ELFLNK/memmap/memory_map.h"
+#include "ELFLNK/object/root_collection.h"
+#include "ELFLNK/symbol/symbol_table.h"
+#include "ELFLNK/write/outsym_attr_manager.h"
+#include "OPTIONGEN/option_obj.h"
+
+FILE_MANAGER file_manager;
+
+static MEMORY_MAP the_memory_map;
+MEMORY_MAP* memory_map = &the_memory_map;
+
+// The tree refers to all other objects of the link and is not taken down with them.
+ROOT_COLLECTION* root_collection = new ROOT_COLLECTION;
+
+SYMBOL_TABLE global_symbols;
+OUTSYM_ATTR_MANAGER outsym_attr_manager;
+
+option_obj* global_opts = nullptr;
