@@ -4,36 +4,56 @@
 // written at once.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
+#include "DIAG/disp_filter.h"
+
+class OBJ_FILE;
 class TEXT_TABLE;
-class LINKER_OBJECT;
 
 namespace OFE {
 class OF_SYMBOL;
-}
-class DISP_FILTER;
-class MAPFILE_DISPFLAGS;
+} // namespace OFE
+
+/// The attributes that turn the parts of the map on and off.
+class MAPFILE_DISPFLAGS : public STRFLAGS {
+  public:
+    /// The states that hold when nothing is asked for.
+    void set_ascii_defaults();
+};
 
 /// Writes the map file that --map_file names.
 void generate_map_file();
 
 /// Adds formatted text to the map file.
 [[gnu::format(printf, 1, 2)]] void mprintf(const char* format, ...);
-/// Adds a table to the map file.
-void mprint_table(TEXT_TABLE& table);
+/// Adds text as it stands.
+void mputs(const char* text);
+/// Adds a table.
+void mprint_table(const TEXT_TABLE& table);
+/// The text gathered so far; for tests.
+const std::string& map_text();
+void clear_map_text();
 
-/// The attributes that --mapfile_contents turns on and off.
-MAPFILE_DISPFLAGS* mdisp_flags();
-DISP_FILTER* mdisp_filter();
+/// The attributes of --mapfile_contents, entered by the target on first use, and the parser of its
+/// value.
+MAPFILE_DISPFLAGS& mdisp_flags();
+DISP_FILTER& mdisp_filter();
 
-/// The name of a symbol with its version, if it has one; "" for none.
+/// The name of a symbol as reports show it; "" for none.
 const char* versym_name(const OFE::OF_SYMBOL* symbol);
-bool symname_less(const OFE::OF_SYMBOL* a, const OFE::OF_SYMBOL* b);
 int symname_cmp(const OFE::OF_SYMBOL* a, const OFE::OF_SYMBOL* b);
-bool symval_less(const OFE::OF_SYMBOL* a, const OFE::OF_SYMBOL* b);
+bool symname_less(const OFE::OF_SYMBOL* a, const OFE::OF_SYMBOL* b);
 int symval_cmp(const OFE::OF_SYMBOL* a, const OFE::OF_SYMBOL* b);
+bool symval_less(const OFE::OF_SYMBOL* a, const OFE::OF_SYMBOL* b);
 bool symval_less_page(const OFE::OF_SYMBOL* a, const OFE::OF_SYMBOL* b);
 /// The address of a symbol of an input file in the load image.
-unsigned long input_symbol_load_address(OFE::OF_SYMBOL* symbol);
+uint64_t input_symbol_load_address(OFE::OF_SYMBOL* symbol);
+
+// The parts that have a file of their own.
+void map_section_allocation();
+void map_modules();
+void map_global_symbols();
+void map_symbol_definitions();
