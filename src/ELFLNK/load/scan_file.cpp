@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "DIAG/elnk_msgs.h"
-#include "ELFLNK/build/link_kind.h"
+#include "ELFLNK/build/build.h"
 #include "ELFLNK/command/command.h"
 #include "ELFLNK/expr/expr_mgr.h"
 #include "ELFLNK/file/file_manager.h"
@@ -189,5 +189,6 @@ void scan_static_linking_file(OBJ_FILE* file) {
     const bool has_aliases = resolve_aliases(object);
     if (OF_SYMBOL_TABLE* symbols = object->symbol_table())
         SYMBOL_SCAN(file, symbols, has_aliases).run();
+    merge_file_attributes(file);
     Target->abi()->check_file_compatibility(file);
 }

@@ -37,7 +37,8 @@ REGISTRAR::REGISTRAR()
     : abi_(Target->abi()),
       is_partial_(is_partial_link()),
       elimination_is_off_(!global_opts->not_off(OPT_unused_section_elimination)),
-      has_retain_specs_(retain_manager.has_section_specs()) {}
+      has_retain_specs_(retain_manager.has_section_specs()),
+      relocs_stay_(is_partial_ || generate_static_relocs() || is_dynamic_output()) {}
 
 REGISTRAR::~REGISTRAR() = default;
 
@@ -94,7 +95,8 @@ REGISTRAR::TARGET_REF REGISTRAR::target_of(FILE_STATE& file, unsigned sym_id) {
     return target;
 }
 
-// Relocating will ask the file for this symbol: it has to know its definition by then.
+// A relocation that stays in the output will ask the file for this symbol: it has to know its
+// definition by then.
 void REGISTRAR::make_symbol(FILE_STATE& file, unsigned sym_id) {
     if (!file.names || file.symbols->loaded_symbol(sym_id)) return;
     if (file.names->name_id(sym_id) == NAME_TABLE::NO_NAME) return;
@@ -122,7 +124,7 @@ void REGISTRAR::walk_section(const WORK& work) {
 void REGISTRAR::register_a_reference(const WORK& from, const char* from_name,
                                      const OF_RAW_RELOC& reloc) {
     FILE_STATE& file = *from.file;
-    make_symbol(file, reloc.sym_id);
+    if (relocs_stay_) make_symbol(file, reloc.sym_id);
     const TARGET_REF target = target_of(file, reloc.sym_id);
     if (!target.file) return;
     const bool is_debug =

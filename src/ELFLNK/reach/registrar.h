@@ -139,6 +139,7 @@ class REGISTRAR {
     bool is_partial_;
     bool elimination_is_off_;
     bool has_retain_specs_;
+    bool relocs_stay_; ///< relocations become objects in the output
     bool has_retainrefs_ = false;
     std::vector<std::unique_ptr<FILE_STATE>> files_; ///< by file id
     std::vector<FILE_STATE*> order_;                 ///< in the file manager's order
