@@ -39,8 +39,9 @@ RELOC_SYMBOL describe(OF_SYMBOL* input, RELENG_HOOKS* hooks) {
     s.unresolved = kind == OF_SYM_KIND_UNDEFINED;
     s.unresolved_weak = s.unresolved && s.final->binding() == OF_SYM_BINDING_WEAK;
     if (s.final->refs_section()) {
-        s.section = s.final->section();
-        s.gone = !s.section || is_deleted_section(s.section) || (hooks && hooks->is_gone(s.final));
+        s.gone = hooks && hooks->is_gone(s.final);
+        if (!s.gone) s.section = s.final->section();
+        s.gone = !s.section || is_deleted_section(s.section);
     } else {
         s.gone = kind == OF_SYM_KIND_COMMON;
     }

@@ -91,6 +91,11 @@ class OF_RELENG {
     uint32_t reloc_run_addr() const { return run_addr_; }
     // Asks each relocation for check_symrel_final_value() before its value is computed.
     void set_check_final_values(bool on) { check_final_values_ = on; }
+    // Works on a copy of the section's data that lies elsewhere, instead of on the section's own.
+    void set_bytes(uint8_t* bytes, size_t size) {
+        bytes_ = bytes;
+        size_ = size;
+    }
     // A diagnostic of severity warning or higher has been reported.
     bool has_error() const { return has_error_; }
 

@@ -1,6 +1,7 @@
-// From the placed tree to the output object in memory: originate() makes linker-generated objects before collection;
-// build() makes one output section per output collection, one output symbol per surviving symbol, all relocations
-// still wanted and the program headers, and relocates the data. The bytes are written by write().
+// From the placed tree to the output object in memory: originate() makes linker-generated objects
+// before collection; build() makes one output section per output collection, one output symbol per
+// surviving symbol, all relocations still wanted and the program headers, and relocates the data.
+// The bytes are written by write().
 #pragma once
 
 #include <cstdint>
@@ -18,7 +19,7 @@ namespace OFE {
 class OBJECT_FILE;
 class OF_SECTION;
 class OF_SYMBOL;
-}  // namespace OFE
+} // namespace OFE
 
 // The phases.
 void originate();
@@ -30,7 +31,8 @@ void create_outfile_components(bool prebuild);
 // The output object; null before the first object file has been scanned.
 OFE::OBJECT_FILE* output_OF_FILE();
 
-// All leaf objects of the link in the order in which their data is read and written. Known after build().
+// All leaf objects of the link in the order in which their data is read and written. Known after
+// build().
 const std::vector<LINKER_OBJECT*>& leaf_objects();
 
 // A ".debug" section of the output belongs to a group. Known after build().
@@ -42,16 +44,19 @@ bool scn_in_comdat_group(OFE::OF_SECTION* section);
 // Symbols. lookup: the input symbol that an output symbol was made from, or null.
 OFE::OF_SYMBOL* lookup_input_symbol_from_output(OFE::OF_SYMBOL* output);
 bool symbol_needs_final_value(OFE::OF_SYMBOL* symbol);
-// A new undefined symbol in another file with the fields of the given one; it replaces the given one in the tables.
+// A new undefined symbol in another file with the fields of the given one; it replaces the given
+// one in the tables.
 OFE::OF_SYMBOL* create_ref_symbol(OFE::OF_SYMBOL* symbol, OFE::OBJECT_FILE* file);
 // A copy of the symbol under another name in the output.
 OFE::OF_SYMBOL* create_dup_symbol(const char* name, OFE::OF_SYMBOL* symbol);
-// A hidden absolute symbol of the output that the linker or a command file defines. Its value comes later.
-OFE::OF_SYMBOL* create_linker_symbol(const char* name, const SOURCE_POSITION& position, uint64_t value,
-                                     OFE::OF_SYM_BINDING binding);
-// Gives a linker symbol its section (null: absolute) and value; `final`: the value will not change again.
-void update_linker_symbol(OFE::OF_SYMBOL* symbol, OFE::OF_SECTION* section, uint64_t value, bool final,
-                          OFE::OF_SYM_BINDING binding);
+// A hidden absolute symbol of the output that the linker or a command file defines. Its value comes
+// later.
+OFE::OF_SYMBOL* create_linker_symbol(const char* name, const SOURCE_POSITION& position,
+                                     uint64_t value, OFE::OF_SYM_BINDING binding);
+// Gives a linker symbol its section (null: absolute) and value; `final`: the value will not change
+// again.
+void update_linker_symbol(OFE::OF_SYMBOL* symbol, OFE::OF_SECTION* section, uint64_t value,
+                          bool final, OFE::OF_SYM_BINDING binding);
 void copy_symbol_fields(OFE::OF_SYMBOL* from, OFE::OF_SYMBOL* to);
 
 // Relocations that stay in the output.
@@ -59,6 +64,10 @@ void copy_reloc_entries(SECTION* section, OFE::OF_SECTION* output, uint32_t offs
 void add_section_dependencies(OFE::OF_SECTION* input, OFE::OF_SECTION* output);
 // Collects references of a read-only section that its rules do not allow; build() reports them.
 void enforce_readonly_relocs(OFE::OF_SECTION* section);
+
+// What the output takes over from a file that joins the link: the highest architecture, the
+// conventions all share.
+void merge_file_attributes(OBJ_FILE* file);
 
 // Seconds since the epoch at which the output counts as built.
 long build_time();

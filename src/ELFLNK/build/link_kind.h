@@ -1,6 +1,6 @@
-// What kind of output this link makes: predicates over the options and the output's format that all output code and
-// many other phases ask. They read options only, so they may be asked as soon as options are final; the ones that
-// name a format also need the output file.
+// What kind of output this link makes: predicates over the options and the output's format that all
+// output code and many other phases ask. They read options only, so they may be asked as soon as
+// options are final; the ones that name a format also need the output file.
 #pragma once
 
 // ELF output of --relocatable alone: no --absolute_exe, --rom or dynamic option.
@@ -27,5 +27,6 @@ bool outfile_symtab_optimization_enabled();
 bool is_dynamic_output();
 // --shared or --dynamic=lib.
 bool is_shared_output();
-// A plain partial link relocates nothing: --relocatable without --rom, --absolute_exe, --force_reloc or dynamic options.
+// A plain partial link relocates nothing: --relocatable without --rom, --absolute_exe,
+// --force_reloc or dynamic options.
 bool is_plain_partial_link();

@@ -1,4 +1,5 @@
-// The rules that change names and bindings of the output's symbols: --hide, --unhide, --localize, --globalize and
+// The rules that change names and bindings of the output's symbols: --hide, --unhide, --localize,
+// --globalize and
 // --make_static. Of two patterns that match a name the more restrictive one decides.
 #pragma once
 
@@ -13,7 +14,7 @@ class OF_SYMBOL;
 }
 
 class OUTSYM_ATTR_MANAGER {
-public:
+  public:
     // Null and empty texts are ignored, as is a pattern that is there already.
     void add_hide_pattern(const char* text);
     void add_unhide_pattern(const char* text);
@@ -34,13 +35,13 @@ public:
     const std::unordered_set<OFE::OF_SYMBOL*>& changed_symbols() const { return changed_; }
     void dump() const;
 
-private:
+  private:
     struct FILTER_ORDER {
         bool operator()(const FILTER* a, const FILTER* b) const;
     };
     using PATTERNS = std::set<FILTER*, FILTER_ORDER>;
     struct RULE {
-        const char* what;         // names the rule in messages
+        const char* what; // names the rule in messages
         const char* on_option;
         const char* off_option;
         const PATTERNS& on;

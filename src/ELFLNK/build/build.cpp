@@ -1,0 +1,214 @@
+// originate() and build(): the steps in their order, and those that are short.
+#include "ELFLNK/build/build.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <map>
+
+#include "DIAG/elnk_msgs.h"
+#include "ELFLNK/build/build_state.h"
+#include "ELFLNK/file/file_manager.h"
+#include "ELFLNK/file/obj_file.h"
+#include "ELFLNK/object/root_collection.h"
+#include "ELFLNK/object/section.h"
+#include "ELFLNK/target/abi.h"
+#include "ELFLNK/target/target.h"
+#include "ELFLNK/write/outsym_attr_manager.h"
+#include "OBJEDIT04/ofe/object_file.h"
+#include "OBJEDIT04/ofe/of_group_table.h"
+#include "OBJEDIT04/ofe/of_section.h"
+#include "OBJEDIT04/ofe/of_section_table.h"
+#include "OBJEDIT04/ofe/of_symbol.h"
+#include "OPTIONGEN/option_obj.h"
+#include "UTIL/trace.h"
+
+using namespace OFE;
+
+namespace {
+
+std::vector<LINKER_OBJECT*> leaves;
+bool debug_in_group = false;
+
+// What decides the place of a leaf, worked out once. Input sections come file by file, a file's
+// debug sections last; then what has a place in an output section, by that place.
+struct LEAF_KEY {
+    LINKER_OBJECT* object;
+    bool ecc;
+    bool section;
+    bool debug;
+    unsigned file;   // file id + 1; 0: no input data
+    unsigned input;  // section id
+    unsigned output; // section id + 1; 0: none
+    uint64_t offset;
+};
+
+LEAF_KEY leaf_key(LINKER_OBJECT* object) {
+    LEAF_KEY key{object, object->is_ecc_section(), object->is_section(), false, 0, 0, 0, 0};
+    if (SECTION* section = as_section(object))
+        if (OF_SECTION* input = section->OF_SECTION_api()) {
+            key.file = input->ofile()->file_id() + 1;
+            key.input = input->id();
+            key.debug = strncmp(input->name(), ".debug", 6) == 0;
+        }
+    if (OF_SECTION* output = object->output_OF_SECTION()) {
+        key.output = output->id() + 1;
+        key.offset = object->run_address() - object->outsect_object()->run_address();
+    }
+    return key;
+}
+
+bool leaf_less(const LEAF_KEY& a, const LEAF_KEY& b) {
+    if (a.ecc != b.ecc) return b.ecc;
+    if (a.section != b.section) return a.section;
+    if (a.section) {
+        if (a.file != b.file) return a.file < b.file;
+        if (a.debug != b.debug) return b.debug;
+        if (a.input != b.input) return a.input < b.input;
+    }
+    if (a.output != b.output) return a.output < b.output;
+    if (a.offset != b.offset) return a.offset < b.offset;
+    return LINKER_OBJECT::less_than_obj_id(a.object, b.object);
+}
+
+void list_leaves() {
+    std::vector<LINKER_OBJECT*> found;
+    root_collection->flatten(found, [](const LINKER_OBJECT* o) { return o->is_leaf(); });
+    std::vector<LEAF_KEY> keys;
+    keys.reserve(found.size());
+    for (LINKER_OBJECT* object : found) keys.push_back(leaf_key(object));
+    std::sort(keys.begin(), keys.end(), leaf_less);
+    leaves.clear();
+    leaves.reserve(keys.size());
+    for (const LEAF_KEY& key : keys) leaves.push_back(key.object);
+}
+
+void finalize_leaf(LINKER_OBJECT* object) {
+    LINKER_OBJECT* outsect = object->outsect_object();
+    if (!outsect) {
+        if (!object->finalized()) object->finalize_internal(nullptr, 0);
+    } else {
+        OF_SECTION* output = outsect->output_OF_SECTION();
+        if (!output) DIAG_REPORT(elnk_no_outfile_section, outsect->name());
+        if (!outsect->output_updated()) DIAG_REPORT(elnk_outsect_not_finalized, outsect->name());
+        if (!object->finalized())
+            object->finalize_internal(
+                output, static_cast<uint32_t>(object->run_address() - outsect->run_address()));
+    }
+    object->set_finalized(true);
+    SECTION* section = as_section(object);
+    if (!section || debug_in_group || strncmp(section->original_section_name(), ".debug", 6) != 0)
+        return;
+    if (OF_SECTION* input = section->OF_SECTION_api()) debug_in_group = input->group() != nullptr;
+}
+
+void finalize_objects() {
+    trace_build.printf("\nFINALIZE OBJECTS\n");
+    for (LINKER_OBJECT* object : leaves) finalize_leaf(object);
+}
+
+OF_GROUP_TABLE* new_output_group(OF_GROUP_TABLE* input) {
+    trace_build.printf("create group table %s\n", input->name());
+    OF_GROUP_TABLE* group = output_OF_FILE()->section_table()->new_group(input->name());
+    if (input->comdat_flag()) group->set_comdat_flag();
+    if (OF_SYMBOL* symbol = input->symbol()) {
+        OF_SYMBOL* final = symbol->resolved_by_final();
+        if (final->ofile() != output_OF_FILE())
+            if (OF_SYMBOL* copied = output_of_local(symbol->ofile(), symbol->id())) final = copied;
+        group->set_symbol(final);
+    }
+    return group;
+}
+
+void copy_group_members() {
+    trace_build.printf("\nCOPY GROUP MEMBERS\n");
+    std::map<OF_GROUP_TABLE*, OF_GROUP_TABLE*> groups; // of the current input file
+    OBJECT_FILE* file = nullptr;
+    for (LINKER_OBJECT* object : leaves) {
+        SECTION* section = as_section(object);
+        OF_SECTION* input = section ? section->OF_SECTION_api() : nullptr;
+        OF_SECTION* output = object->output_OF_SECTION();
+        if (!input || !output || !input->group()) continue;
+        if (input->ofile() != file) {
+            groups.clear();
+            file = input->ofile();
+        }
+        OF_GROUP_TABLE*& group = groups[input->group()];
+        if (!group) group = new_output_group(input->group());
+        if (output->group() != group) group->add_member(output);
+    }
+}
+
+void set_entry_point() {
+    OF_SYMBOL* symbol = Target->entry_point_symbol();
+    OBJECT_FILE* out = output_OF_FILE();
+    if (is_elf_partial_link()) {
+        if (symbol && global_opts->isopt(OPT_entry_point))
+            DIAG_REPORT(elnk_sym_opt_demoted, "-e", "-u", symbol->name(), "-e",
+                        OBJECT_FILE::file_type_name(out->file_type()));
+        return;
+    }
+    if (symbol) {
+        out->set_entry_point(
+            static_cast<unsigned>(Target->abi()->entry_point_value(symbol->value())));
+        return;
+    }
+    if (!is_partial_link() && !is_shared_output() && !global_opts->isopt(OPT_rom) &&
+        !global_opts->isopt(OPT_no_entry_point))
+        DIAG_REPORT(elnk_entry_pt_zero);
+    out->set_entry_point(0);
+}
+
+bool has_program_headers() {
+    OBJECT_FILE* out = output_OF_FILE();
+    if (out->format() != OF_FORMAT_ELF || is_elf_partial_link()) return false;
+    return out->file_type() == OF_FILE_TYPE_EXECUTABLE || out->file_type() == OF_FILE_TYPE_SHARED;
+}
+
+} // namespace
+
+void originate() {
+    trace_orig.printf("\n\nORIGINATE LINKER-GENERATED OBJECTS\n");
+    Target->abi()->default_allocation();
+    Target->abi()->define_link_time_constants();
+    Target->abi()->dynamic_object_originate();
+    trace_orig.printf("\n\nROOT COLLECTION (AFTER ORIGINATE):\n\n");
+}
+
+void build() {
+    trace_build.push("\n\nBUILD PHASE:\n");
+    if (!output_OF_FILE()) return; // no object file was read
+    install_releng_hooks();
+    create_outfile_components(false);
+    // The output's sections and symbols are complete.
+    list_leaves();
+    finalize_objects();
+    report_readonly_violations();
+    if (is_partial_link()) copy_group_members();
+    set_entry_point();
+    if (has_program_headers()) create_program_headers();
+    Target->finalize_output_file();
+    outsym_attr_manager.build_symbol_attr_lists();
+    trace_build.pop();
+}
+
+const std::vector<LINKER_OBJECT*>& leaf_objects() {
+    return leaves;
+}
+
+bool debug_section_in_group() {
+    return debug_in_group;
+}
+
+bool scn_in_comdat_group(OF_SECTION* section) {
+    return section->group() && section->group()->comdat_flag();
+}
+
+long build_time() {
+    static const long now = [] {
+        const char* fixed = getenv("SOURCE_DATE_EPOCH"); // reproducible outputs
+        return fixed ? strtol(fixed, nullptr, 10) : static_cast<long>(time(nullptr));
+    }();
+    return now;
+}

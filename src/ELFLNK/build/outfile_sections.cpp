@@ -1,0 +1,90 @@
+// One output section per output collection, with addresses, alignment, type and flags from the
+// placed object.
+#include "DIAG/elnk_msgs.h"
+#include "ELFLNK/build/build.h"
+#include "ELFLNK/build/build_state.h"
+#include "ELFLNK/object/root_collection.h"
+#include "ELFLNK/target/abi.h"
+#include "ELFLNK/target/target.h"
+#include "OBJEDIT04/elf/elf_section.h"
+#include "OBJEDIT04/ofe/object_file.h"
+#include "OBJEDIT04/ofe/of_section_table.h"
+#include "OBJEDIT04/ofe/of_symbol.h"
+#include "UTIL/narrow.h"
+#include "UTIL/trace.h"
+
+namespace {
+
+constexpr uint32_t QV_FLAG_EMPTY = 1; // says "no members"; no attribute of a section
+
+OFE::OF_SECTION* new_output_section(LINKER_OBJECT* object) {
+    OFE::OF_SECTION* section = output_OF_FILE()->section_table()->new_section(object->name());
+    if (OFE::OF_SYMBOL* symbol = section->create_section_symbol()) symbol->set_final(true);
+    section->set_ext_flags(object->qv_flags() & ~QV_FLAG_EMPTY);
+    object->set_output_OF_SECTION(section);
+    trace_build.printf("--> output section %s\n", object->name());
+    return section;
+}
+
+// The largest alignment that a section's header can hold when the placed one is too large.
+unsigned storable_align(LINKER_OBJECT* object) {
+    auto in_units = [](unsigned bits, unsigned unit) { return (bits + unit - 1) / unit; };
+    if (object->has_attr(PA_EXEC))
+        return in_units(Target->abi()->max_code_bit_align(), Target->code_unit_bit_size());
+    if (object->has_attr(PA_HAS_DATA))
+        return in_units(Target->abi()->max_data_bit_align(), Target->data_unit_bit_size());
+    return 1;
+}
+
+void set_alignment(OFE::OF_SECTION* section, LINKER_OBJECT* object) {
+    uint64_t align = object->alignment() ? object->alignment() : 1;
+    if (align > section->max_align()) {
+        if (is_partial_link())
+            DIAG_REPORT(elnk_alignment_too_large_for_partial_link, align, section->name());
+        align = storable_align(object);
+    }
+    section->set_align(narrow<unsigned>(align));
+}
+
+void set_type_and_flags(OFE::ELF_SECTION* section, LINKER_OBJECT* object) {
+    if (!(section->sh_type() == OFE::SHT_ARM_EXIDX && is_partial_link()))
+        section->set_sh_type(object->has_attr(PA_HAS_DATA) ? OFE::SHT_PROGBITS : OFE::SHT_NOBITS);
+    unsigned flags = 0;
+    if (object->has_attr(PA_ALLOCATED) && !object->has_attr(PA_NOLOAD)) {
+        flags |= OFE::SHF_ALLOC;
+        if (object->has_attr(PA_WRITE)) flags |= OFE::SHF_WRITE;
+    }
+    if (object->has_attr(PA_EXEC)) flags |= OFE::SHF_EXECINSTR;
+    if (object->has_attr(PA_TLS)) flags |= OFE::SHF_TLS;
+    section->set_sh_flags(flags);
+}
+
+void update_section(OFE::OF_SECTION* section, LINKER_OBJECT* object) {
+    auto run = narrow<uint32_t>(object->run_address() & 0xFFFFFFFF);
+    auto load = narrow<uint32_t>(object->load_address() & 0xFFFFFFFF);
+    trace_build.printf("--> update section %s: run=0x%08lx, load=0x%08lx, size=0x%lx\n",
+                       section->name(), run, load, object->size());
+    section->set_load_addr(load);
+    section->set_run_addr(run);
+    if (OFE::OF_SYMBOL* symbol = section->find_symbol()) {
+        symbol->set_value(output_OF_FILE()->values_are_scnrel() ? 0 : run);
+        symbol->set_final_value(true);
+    }
+    set_alignment(section, object);
+    if (output_OF_FILE()->format() == OFE::OF_FORMAT_ELF)
+        set_type_and_flags(OFE::elf_api(section), object);
+    section->set_page(static_cast<unsigned>(object->run_page()));
+    section->set_size(narrow<uint32_t>(object->size()));
+    object->set_output_updated(true);
+}
+
+} // namespace
+
+void create_outfile_sections() {
+    trace_build.printf("\nCREATE OUTFILE SECTIONS\n");
+    for (LINKER_OBJECT* object : root_collection->outsects()) {
+        OFE::OF_SECTION* section = object->output_OF_SECTION();
+        if (!section) section = new_output_section(object);
+        if (object->is_placed() && !object->output_updated()) update_section(section, object);
+    }
+}

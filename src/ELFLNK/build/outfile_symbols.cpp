@@ -1,0 +1,386 @@
+// The output's symbols: every symbol of an input that takes part in the link and is not superseded
+// is copied, file by file in table order. Local symbols are copied from their raw records, without
+// an object in the input; what was made from which is kept by the output symbol's index and, for
+// locals, by the input's.
+#include <algorithm>
+#include <cstring>
+#include <unordered_set>
+
+#include "DIAG/elnk_msgs.h"
+#include "ELFLNK/build/build.h"
+#include "ELFLNK/build/build_state.h"
+#include "ELFLNK/expr/expr_mgr.h"
+#include "ELFLNK/file/file_manager.h"
+#include "ELFLNK/file/obj_file.h"
+#include "ELFLNK/load/file_symbols.h"
+#include "ELFLNK/object/root_collection.h"
+#include "ELFLNK/object/section.h"
+#include "ELFLNK/object/symbol_object.h"
+#include "ELFLNK/symbol/symbol_table.h"
+#include "ELFLNK/target/abi.h"
+#include "ELFLNK/target/target.h"
+#include "OBJEDIT04/machine/reloc_type.h"
+#include "OBJEDIT04/ofe/object_file.h"
+#include "OBJEDIT04/ofe/of_reloc.h"
+#include "OBJEDIT04/ofe/of_reloc_table.h"
+#include "OBJEDIT04/ofe/of_section.h"
+#include "OBJEDIT04/ofe/of_section_table.h"
+#include "OBJEDIT04/ofe/of_symbol.h"
+#include "OBJEDIT04/ofe/of_symbol_table.h"
+#include "OF_RELENG/releng.h"
+#include "OPTIONGEN/option_obj.h"
+#include "UTIL/text_table.h"
+#include "UTIL/trace.h"
+
+using namespace OFE;
+
+namespace {
+
+struct INPUT_REF {
+    OF_SYMBOL* output = nullptr;
+    OF_SYMBOL_TABLE* table = nullptr; // of the input
+    unsigned id = 0;
+};
+
+std::vector<INPUT_REF> input_refs;                  // by output symbol id at the time of copying
+std::vector<std::vector<OF_SYMBOL*>> local_outputs; // by file id, then symbol id
+std::vector<OF_SYMBOL*> undefined_symbols;
+bool final_call_done = false;
+
+void remember_input(OF_SYMBOL* output, OF_SYMBOL_TABLE* table, unsigned id) {
+    if (output->ofile() != output_OF_FILE()) return;
+    if (output->id() >= input_refs.size()) input_refs.resize(output->id() + 1);
+    input_refs[output->id()] = {output, table, id};
+}
+
+OF_SYMBOL*& local_slot(OBJECT_FILE* file, OF_SYMBOL_TABLE* table, unsigned id) {
+    if (file->file_id() >= local_outputs.size()) local_outputs.resize(file->file_id() + 1);
+    std::vector<OF_SYMBOL*>& of_file = local_outputs[file->file_id()];
+    if (id >= of_file.size()) of_file.resize(std::max(id + 1, table->first_global()));
+    return of_file[id];
+}
+
+// --- values
+
+bool is_load_label_of(OF_SYMBOL* symbol) {
+    return symbol && symbol->is_load_label();
+}
+
+// An address in an input section becomes the same place of the placed object.
+uint64_t placed_value(SECTION* object, OF_SECTION* section, uint64_t value, bool relative,
+                      bool load) {
+    if (!relative) value -= load ? section->load_addr() : section->run_addr();
+    return value + (load ? object->load_address() : object->run_address());
+}
+
+struct PLACE_IN_OUTPUT {
+    OF_SECTION* section = nullptr;
+    uint64_t value = 0;
+};
+
+PLACE_IN_OUTPUT place_of_section_symbol(OF_SYMBOL* symbol) {
+    OF_SECTION* section = symbol->section();
+    SECTION* object = section ? root_collection->lookup_OF_SECTION(section) : nullptr;
+    OF_SECTION* output = object ? object->output_OF_SECTION() : nullptr;
+    if (!output) {
+        DIAG_REPORT(elnk_no_section, section ? section->name() : symbol->name());
+        return {};
+    }
+    bool load = is_load_label_of(symbol);
+    return {output, placed_value(object, section, symbol->value(),
+                                 symbol->ofile()->values_are_scnrel(), load)};
+}
+
+PLACE_IN_OUTPUT place_of(OF_SYMBOL* symbol) {
+    if (symbol->refs_section()) return place_of_section_symbol(symbol);
+    if (symbol->kind() != OF_SYM_KIND_COMMON) return {nullptr, symbol->value()};
+    SYMBOL_OBJECT* object = root_collection->lookup_symbol_object(symbol);
+    if (OF_SECTION* output = object ? object->output_OF_SECTION() : nullptr)
+        return {output, object->run_address()};
+    if (!is_partial_link()) DIAG_REPORT(elnk_no_section_for_sym, symbol->name());
+    return {nullptr, symbol->value()};
+}
+
+// --- copying
+
+// Debug sections' global symbols stay out of the output's table, where that is wanted.
+bool belongs_to_internal_file(OF_SYMBOL* symbol) {
+    if (!outfile_symtab_optimization_enabled() || symbol->binding() == OF_SYM_BINDING_LOCAL)
+        return false;
+    OF_SECTION* section = symbol->section();
+    return section && strncmp(section->name(), ".debug", 6) == 0;
+}
+
+void copy_symbol(OF_SYMBOL_TABLE* table, OF_SYMBOL* symbol, bool final) {
+    OF_SYMBOL* output = symbol->resolved_by();
+    if (!output) {
+        OBJECT_FILE* to = belongs_to_internal_file(symbol)
+                              ? file_manager.internal_file()->object_file()
+                              : output_OF_FILE();
+        output = to->symbol_table()->new_symbol();
+        output->set_name_view(symbol->name());
+        copy_symbol_fields(symbol, output);
+        global_symbols.update_symbol(symbol, output);
+        output->set_final(true);
+        remember_input(output, table, symbol->id());
+        trace_build.printf("--> copy symbol %s\n", symbol->name());
+    }
+    PLACE_IN_OUTPUT place = place_of(symbol);
+    store_symbol_value(output, place.section, place.value, final);
+}
+
+// A local symbol without an object: in the link when its section is, or, being absolute, when it
+// has a type.
+void copy_local(OBJECT_FILE* file, OF_SYMBOL_TABLE* table, const OF_RAW_SYMBOL& raw,
+                bool prebuild) {
+    SECTION* object = nullptr;
+    if (raw.kind == OF_SYM_KIND_DEFINED) {
+        object = root_collection->lookup_section(file->file_id(), raw.section_id);
+        if (!object || !object->output_OF_SECTION()) return;
+    } else if (raw.kind != OF_SYM_KIND_ABSOLUTE || raw.type == OF_SYM_TYPE_NONE) {
+        return;
+    }
+    OF_SYMBOL*& output = local_slot(file, table, raw.id);
+    if (!output) {
+        output = output_OF_FILE()->symbol_table()->new_symbol();
+        output->set_name_view(raw.name);
+        if (raw.kind != OF_SYM_KIND_DEFINED) output->set_kind(raw.kind);
+        output->set_size(raw.size);
+        output->set_type(raw.type);
+        output->set_visibility(raw.visibility);
+        output->set_binding(raw.binding);
+        output->set_final(true);
+        remember_input(output, table, raw.id);
+    } else if (output->final_value()) {
+        return;
+    }
+    uint64_t value = raw.value;
+    OF_SECTION* section = nullptr;
+    if (object) {
+        section = object->output_OF_SECTION();
+        value =
+            placed_value(object, object->OF_SECTION_api(), value, file->values_are_scnrel(), false);
+    }
+    store_symbol_value(output, section, value, !prebuild || !object || object->is_placed());
+}
+
+bool is_defined_now(OF_SYMBOL* symbol, bool prebuild) {
+    if (!prebuild) return true;
+    LINKER_OBJECT* object = global_symbols.symbol_defining_object(symbol);
+    return object && object->is_placed();
+}
+
+void copy_symbols_of(OBJECT_FILE* file, bool prebuild) {
+    OF_SYMBOL_TABLE* table = file->symbol_table();
+    if (!table) return;
+    OF_RAW_SYMBOL raw;
+    for (unsigned id = 0, n = table->symnum(); id < n; id = table->next_symbol_id(id)) {
+        OF_SYMBOL* symbol = table->loaded_symbol(id);
+        if (!symbol) {
+            if (!table->raw_symbol(id, raw) || raw.kind == OF_SYM_KIND_UNDEFINED) continue;
+            if (raw.binding == OF_SYM_BINDING_LOCAL) {
+                copy_local(file, table, raw, prebuild);
+                continue;
+            }
+            if (raw.kind != OF_SYM_KIND_DEFINED ||
+                !root_collection->lookup_section(file->file_id(), raw.section_id))
+                continue;
+            symbol = table->symbol(id);
+        }
+        if (symbol->kind() == OF_SYM_KIND_UNDEFINED || !symbol_needs_final_value(symbol)) continue;
+        copy_symbol(table, symbol, is_defined_now(symbol, prebuild));
+    }
+}
+
+} // namespace
+
+OF_SYMBOL* output_of_local(OBJECT_FILE* file, unsigned symbol_id) {
+    if (file->file_id() >= local_outputs.size()) return nullptr;
+    const std::vector<OF_SYMBOL*>& of_file = local_outputs[file->file_id()];
+    return symbol_id < of_file.size() ? of_file[symbol_id] : nullptr;
+}
+
+OF_SYMBOL* lookup_input_symbol_from_output(OF_SYMBOL* output) {
+    if (output->id() >= input_refs.size()) return nullptr;
+    const INPUT_REF& ref = input_refs[output->id()];
+    return ref.output == output ? ref.table->symbol(ref.id) : nullptr;
+}
+
+void copy_symbols(bool prebuild) {
+    for (OBJ_FILE* file : file_manager.object_files())
+        if (file != file_manager.output_file() && file->is_static_linking_object())
+            copy_symbols_of(file->object_file(), prebuild);
+}
+
+void drop_unlinked_absolute_symbols() {
+    OF_SYMBOL_TABLE* table = output_OF_FILE()->symbol_table();
+    bool deleted = false;
+    for (unsigned id = 1, n = table->symnum(); id < n; id = table->next_symbol_id(id)) {
+        OF_SYMBOL* symbol = table->symbol(id);
+        if (symbol->kind() == OF_SYM_KIND_ABSOLUTE && !root_collection->symbol_is_in_link(symbol)) {
+            if (id < input_refs.size()) input_refs[id] = {};
+            table->delete_symbol(id);
+            deleted = true;
+        } else {
+            symbol->set_final(true);
+        }
+    }
+    if (!deleted) return;
+    table->purge_deleted_symbols();
+    std::vector<INPUT_REF> old = std::move(input_refs); // ids have moved down
+    input_refs.clear();
+    for (const INPUT_REF& ref : old)
+        if (ref.output) remember_input(ref.output, ref.table, ref.id);
+}
+
+// --- what is still undefined
+
+namespace {
+
+bool is_defined(OF_SYMBOL* s) {
+    OF_SYM_KIND kind = s->kind();
+    return kind == OF_SYM_KIND_DEFINED || kind == OF_SYM_KIND_ABSOLUTE ||
+           kind == OF_SYM_KIND_COMMON;
+}
+
+bool may_be_bound_at_run_time(OF_SYMBOL* s) {
+    ABI* abi = Target->abi();
+    if (!abi->supports_dynamic_linkage() || s->visibility() != OF_VIS_DEFAULT) return false;
+    return global_symbols.lookup_imported(s->name()) || !abi->forced_static_binding();
+}
+
+bool is_default_entry_point(OF_SYMBOL* s) {
+    const char* entry = Target->entry_point_name();
+    return !is_shared_output() && is_c_runtime_model() && !global_opts->isopt(OPT_entry_point) &&
+           entry && strcmp(entry, s->name()) == 0;
+}
+
+// Whether an undefined symbol stays in the output; what may not stay is kept for the report.
+bool accept_undefined(OF_SYMBOL* s) {
+    if (s->binding() == OF_SYM_BINDING_WEAK || may_be_bound_at_run_time(s)) return true;
+    bool ignore =
+        global_opts->isopt(OPT_ignore_undef_syms) && global_opts->not_off(OPT_ignore_undef_syms);
+    if (!ignore && is_default_entry_point(s)) {
+        DIAG_REPORT(elnk_entry_sym_undef, s->name());
+        return true;
+    }
+    if (Target->ignore_undef_sym(s)) return false;
+    if (ignore || is_partial_link()) return true;
+    undefined_symbols.push_back(s);
+    return false;
+}
+
+class UNDEFINED_PASS {
+  public:
+    void reference(OF_SYMBOL* s) {
+        if (!s || is_defined(s)) return;
+        if (s->binding() != OF_SYM_BINDING_GLOBAL && s->binding() != OF_SYM_BINDING_WEAK) return;
+        if (!seen_.insert(s).second || s->final()) return;
+        global_symbols.link_undef(s);
+        OF_SYMBOL* now = s->resolved_by_final();
+        if (now != s) return reference(now);
+        if (s->kind() == OF_SYM_KIND_UNDEFINED && accept_undefined(s))
+            copy_symbol(s->symbol_table(), s, true);
+    }
+
+    void references_of(SECTION* object) {
+        OF_SECTION* section = object->OF_SECTION_api();
+        if (!section) return;
+        OBJECT_FILE* file = section->ofile();
+        if (file != file_) {
+            file_ = file;
+            visited_.assign(file->symbol_table() ? file->symbol_table()->symnum() : 0, false);
+        }
+        OF_SECTION_TABLE* table = section->section_table();
+        unsigned raw_tables = file->is_input() ? table->raw_reloc_table_num(section->id()) : 0;
+        for (unsigned i = 0; i < raw_tables; ++i)
+            references_of(table->raw_relocs(section->id(), i));
+        if (raw_tables != 0 || file->is_input()) return;
+        for (OF_RELOC* rel : section->all_relocs())
+            if (rel->takes_symbol() && !rel->is_internal() && rel->symbol())
+                reference(rel->symbol()->resolved_by_final());
+    }
+
+  private:
+    void references_of(const OF_RAW_RELOCS& relocs) {
+        OF_SYMBOL_TABLE* symbols = relocs.symbols();
+        if (!symbols || relocs.size() == 0) return;
+        unsigned first_global = symbols->first_global();
+        for (unsigned i = 0, n = relocs.size(); i < n; ++i) {
+            OF_RAW_RELOC raw = relocs[i];
+            if (raw.sym_id < first_global || raw.sym_id >= visited_.size() || visited_[raw.sym_id])
+                continue;
+            if (!file_->machine_reloc_type(raw.type)->has_symbol()) continue;
+            visited_[raw.sym_id] = true;
+            reference(resolve_symbol(file_, raw.sym_id));
+        }
+    }
+
+    OBJECT_FILE* file_ = nullptr;
+    std::vector<bool> visited_;
+    std::unordered_set<OF_SYMBOL*> seen_;
+};
+
+void report_undefined_symbols() {
+    if (undefined_symbols.empty()) return;
+    std::sort(undefined_symbols.begin(), undefined_symbols.end(), OF_SYMBOL::less_than_symname);
+    TEXT_TABLE table;
+    table.set_indent(1);
+    table.set_padding(1);
+    table.set_string(0, 0, "undefined");
+    table.set_string(1, 0, " symbol  ");
+    table.set_string(2, 0, "---------");
+    table.set_string(0, 1, "first referenced");
+    table.set_string(1, 1, "    in file     ");
+    table.set_string(2, 1, "----------------");
+    for (OF_SYMBOL* symbol : undefined_symbols) {
+        Target->report_undef_symbol(symbol);
+        int row = table.append_rows();
+        table.set_string(row, 0, global_symbols.diag_sym_name(symbol->name()));
+        table.set_string(row, 1, symbol_file_name(symbol));
+    }
+    fputc('\n', stderr);
+    table.print(stderr);
+    fputc('\n', stderr);
+    DIAG_REPORT(elnk_symref_errors);
+}
+
+} // namespace
+
+void copy_undefined_symbols() {
+    UNDEFINED_PASS pass;
+    std::vector<SECTION*> sections;
+    root_collection->list_sections(sections);
+    for (SECTION* section : sections) pass.references_of(section);
+    for (OF_SYMBOL* symbol : global_symbols.entry_symbols())
+        pass.reference(SYMBOL_TABLE::resolution(symbol));
+}
+
+void check_imports() {
+    for (unsigned i = 0, n = global_opts->getargcount(OPT_import); i < n; ++i) {
+        const char* name = global_opts->getstrarg(OPT_import, i);
+        if (name && !global_symbols.lookup_def(name))
+            DIAG_REPORT(elnk_sym_def_ref_not_found, name, name);
+    }
+}
+
+void create_outfile_components(bool prebuild) {
+    if (!prebuild && final_call_done) DIAG_REPORT(elnk_illegal_final_build_call);
+    trace_build.printf("CREATE OUTFILE COMPONENTS (%s)\n", prebuild ? "prebuild" : "final");
+    OF_RELENG::forget_symbols();
+    create_outfile_sections();
+    trace_build.printf("\nCREATE OUTFILE SYMBOLS\n");
+    if (!prebuild) drop_unlinked_absolute_symbols();
+    copy_symbols(prebuild);
+    if (!prebuild) {
+        copy_undefined_symbols();
+        check_imports();
+        report_undefined_symbols();
+    }
+    Target->abi()->define_static_base_symbol(true);
+    trace_build.printf("\nUPDATE LINKER SYMBOLS\n");
+    get_expr_mgr()->evaluate_all_sym_assignments(!prebuild);
+    Target->abi()->update_output_symbols();
+    if (!prebuild) final_call_done = true;
+    Target->abi()->set_static_base();
+}
