@@ -1,0 +1,62 @@
+// The help shows every option once, or those that a text picks.
+#include "OPTIONGEN/option_obj.h"
+#include "OPTIONGEN/option_table.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+std::string help_for(const char* text) {
+    testing::internal::CaptureStdout();
+    option_obj::display_option_help(text);
+    return testing::internal::GetCapturedStdout();
+}
+
+unsigned lines_with(const std::string& text, const std::string& start) {
+    unsigned count = 0;
+    for (size_t at = text.find("\n" + start); at != text.npos; at = text.find("\n" + start, at + 1))
+        count++;
+    return count;
+}
+
+TEST(option_help, all_options_but_the_hidden_stand_once) {
+    const std::string help = help_for(nullptr);
+    for (unsigned n = 0; n < OPTION_COUNT; n++) {
+        const option_id id = option_id(n);
+        const OPTION_DEF& def = option_def(id);
+        const bool hidden = (def.flags & OPTION_INTERNAL) != 0 || option_class_hidden(def.cls);
+        unsigned lines = 0;
+        for (const char* behind : {" ", "=", "[", ","})
+            lines += lines_with(help, "  " + std::string(option_spelling(id, 0)) + behind);
+        if (std::string_view(option_spelling(id, 0)).ends_with(':')) continue;
+        EXPECT_EQ(lines, hidden ? 0u : 1u) << option_spelling(id, 0);
+    }
+}
+
+TEST(option_help, a_text_picks_by_name_or_by_what_the_help_says) {
+    const std::string by_name = help_for("stack");
+    EXPECT_NE(by_name.find("--stack_size=size, -stack, --stack"), std::string::npos);
+    EXPECT_EQ(by_name.find("--heap_size"), std::string::npos);
+    const std::string by_help = help_for("watchdog");
+    EXPECT_NE(by_help.find("--cinit_hold_wdt[=on,off]"), std::string::npos);
+    EXPECT_EQ(help_for("xyzzy"), ">> Help: No options match the string 'xyzzy'\n");
+}
+
+TEST(option_help, a_long_form_has_its_text_on_the_next_line) {
+    EXPECT_EQ(help_for("--bind_now"), "  --bind_now           Have the dynamic loader resolve all "
+                                      "symbols before the program starts\n");
+    EXPECT_EQ(help_for("--soname"),
+              "  --soname=soname      Name by which programs ask for a dynamic library\n");
+    EXPECT_EQ(help_for("--map_file"),
+              "  --map_file=file, -m  Write a map of the memory, sections and symbols to <file>\n");
+    EXPECT_EQ(help_for("--undef_sym"),
+              "  --undef_sym=sym, -u  Start with <sym> undefined, so that a library's member is "
+              "linked\n");
+    EXPECT_EQ(
+        help_for("--output_file"),
+        "  --output_file=file, -o \n                       Name of the output file (a.out)\n");
+}
+
+} // namespace
