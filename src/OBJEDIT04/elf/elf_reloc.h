@@ -68,6 +68,9 @@ class ELF_RELOC_TABLE final : public OF_RELOC_TABLE {
     // has been changed, added or deleted, or when the table was not read from a file.
     bool raw_records(const uint8_t*& bytes, size_t& count) const;
 
+    // The entries that are not deleted, as they would stand in the file.
+    void encode(std::vector<uint8_t>& out);
+
     int lock_reloc_table();
 
   protected:

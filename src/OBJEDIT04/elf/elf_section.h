@@ -98,6 +98,10 @@ class ELF_SECTION final : public OF_SECTION {
     void set_keeps_offset(bool on) { keeps_offset_ = on; }
     bool in_segment() const { return in_segment_; }
     void set_in_segment(bool on) { in_segment_ = on; }
+    void take_header(const Elf32_Shdr& header) { // as read from the file
+        shdr_ = header;
+        in_file_ = true;
+    }
 
     // Companions; null, with an error, when the section is of another type.
     ELF_SYMBOL_TABLE* symbol_table_api();
@@ -110,9 +114,6 @@ class ELF_SECTION final : public OF_SECTION {
 
     int lock_section();
     int reopen_section();
-    void sync_size() {
-        shdr_.sh_size = has_raw_data() ? static_cast<unsigned>(bytes().size) : shdr_.sh_size;
-    }
 
   protected:
     OF_BYTES file_bytes() override;
@@ -127,7 +128,7 @@ class ELF_SECTION final : public OF_SECTION {
     unsigned char unit_size_ = 8;
     bool keeps_offset_ = false;
     bool in_segment_ = false;
-    bool from_output_ = false; // reads from the saved file
+    bool in_file_ = false; // the contents stand in the file at sh_offset
     std::unique_ptr<OF_STATE_MACHINE> companion_;
 };
 

@@ -23,6 +23,10 @@ struct ELF_SPECIAL_SECTION {
     unsigned unit; // bits; 0: the machine's
 };
 
+// Bytes of a string pool up to and with its last NUL: offsets below are those of terminated
+// strings.
+unsigned terminated_size(const char* pool, unsigned size);
+
 class ELF_SECTION_TABLE final : public OF_SECTION_TABLE {
   public:
     explicit ELF_SECTION_TABLE(ELF_FILE* file);
@@ -38,6 +42,7 @@ class ELF_SECTION_TABLE final : public OF_SECTION_TABLE {
     int purge_deleted_sections() override;
     unsigned section_header_size() const override { return ELF_SHENTSIZE; }
     OF_SECTION* new_section(const char* name) override;
+    ELF_SECTION* new_null_section(); // at the end; lock moves it to index 0
     OF_GROUP_TABLE* new_group(const char* name) override;
     unsigned file_offset() const override { return file_offset_; }
     int clear() override;
@@ -52,7 +57,10 @@ class ELF_SECTION_TABLE final : public OF_SECTION_TABLE {
     OF_GROUP_TABLE* raw_group(unsigned section_id) override;
     bool raw_header(unsigned id,
                     Elf32_Shdr& out) const; // as read or as changed; false: no such index
-    const char* raw_name(unsigned id);      // never null
+    bool in_other_group(unsigned id, const OF_GROUP_TABLE* group) const {
+        return id < group_of_.size() && group_of_[id] && group_of_[id] != group;
+    }
+    const char* raw_name(unsigned id); // never null
 
     static const ELF_SPECIAL_SECTION* special_section(const char* name);
     const char* machine_special_section_name(const char* name);
@@ -82,16 +90,20 @@ class ELF_SECTION_TABLE final : public OF_SECTION_TABLE {
 
   private:
     int check_headers();
-    bool has_loaded_symbols();
+    void drop_group(unsigned id);
+    void make_lock_sections();
+    void store_shstrndx(unsigned i);
     void set_string_pool();
 
     const uint8_t* raw_ = nullptr; // the header table as read
     unsigned raw_count_ = 0;
     unsigned raw_entsize_ = 0;
     unsigned file_offset_ = 0;
-    unsigned special_rows_ = 0;
     const char* names_ = nullptr; // the section name strings as read
     unsigned names_limit_ = 0;    // offsets below are those of terminated strings
+    std::vector<uint8_t>
+        changed_relocs_;      // what raw_relocs last showed of a table changed in memory
+    bool any_loaded_ = false; // a section object exists, whose name may differ from the file's
     bool relocs_found_ = false;
     bool groups_resolved_ = false;
     std::vector<unsigned>

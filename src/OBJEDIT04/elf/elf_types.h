@@ -129,6 +129,8 @@ enum : unsigned {
     QV_SHF_NOINIT = 16
 };
 
+inline constexpr const char* ELF_SYMALIAS_SECTION_NAME = ".QV.symbol.alias";
+
 // The kinds of extended section attribute.
 enum : int { QV_SH_ATTR_FLAGS = 0, QV_SH_ATTR_PAGE = 1, QV_SH_ATTR_KINDS = 2 };
 

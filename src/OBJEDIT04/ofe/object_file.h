@@ -87,7 +87,7 @@ class OBJECT_FILE : public OF_STATE_MACHINE {
         __attribute__((format(printf, 3, 4)));
     void clear_error();
     OF_ERROR_CODE error_code() const { return error_code_; }
-    const char* error_text() const { return error_text_ ? error_text_ : ""; }
+    const char* error_text() const { return error_copy_ ? error_copy_.get() : ""; }
     OF_ERROR_HANDLER error_handler() const { return handler_; }
     void set_error_handler(OF_ERROR_HANDLER h) { handler_ = h; }
 
@@ -152,7 +152,6 @@ class OBJECT_FILE : public OF_STATE_MACHINE {
 
     OF_ERROR_HANDLER handler_;
     OF_ERROR_CODE error_code_ = OF_ERROR_NONE;
-    const char* error_text_ = nullptr;
     std::unique_ptr<char[]> error_copy_;
     OF_MACHINE_RELTYPES* reltypes_ = nullptr;
     uint8_t* output_map_ = nullptr; // the file from its start, output_map_size_ bytes

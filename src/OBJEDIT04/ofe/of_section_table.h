@@ -50,6 +50,10 @@ class OF_SECTION_TABLE : public OF_STATE_MACHINE {
         return id < sections_.size() ? sections_[id] : nullptr;
     }
 
+    // The id of the section symbol of a section, as the symbol table stands; OF_DELETED: it has
+    // none. One walk over the symbols serves all sections.
+    unsigned section_symbol_id(unsigned section_id);
+
     // Raw records: no object is made. raw_section is right for sections changed in memory too.
     virtual bool raw_section(unsigned id, OF_RAW_SECTION& out) = 0;
     virtual bool has_ext_flags() { return false; } // some section carries an extended flag word
@@ -69,6 +73,12 @@ class OF_SECTION_TABLE : public OF_STATE_MACHINE {
     bool has_deleted_ = false;
     bool translations_pending_ = false;
     bool all_loaded_ = false;
+
+  private:
+    void find_section_symbols();
+
+    std::vector<unsigned> section_symbols_;    // section id to symbol id
+    unsigned section_symbols_at_ = OF_DELETED; // number of symbols when they were found
 };
 
 } // namespace OFE
