@@ -4,6 +4,7 @@
 #include "ELFLNK/file/file_manager.h"
 #include "ELFLNK/file/obj_file.h"
 #include "ELFLNK/load/load.h"
+#include "ELFLNK/object/root_collection.h"
 #include "ELFLNK/object/section.h"
 #include "OBJEDIT04/ofe/of_group_table.h"
 #include "OBJEDIT04/ofe/of_section.h"
@@ -12,7 +13,9 @@
 #include "UTIL/savestr.h"
 
 SECTION* new_section(OFE::OF_SECTION* section) {
-    return new SECTION(file_manager.lookup_OF_FILE(section->ofile()), section);
+    auto* object = new SECTION(file_manager.lookup_OF_FILE(section->ofile()), section);
+    root_collection->add_section(object);
+    return object;
 }
 
 bool is_comdat_member(OFE::OF_SECTION* section, OFE::OF_GROUP_TABLE* group) {

@@ -20,6 +20,12 @@ uint64_t COLLECTION::est_size_min() {
     return est_size_min_;
 }
 
+/// The members stand where they stand: the extent of the locator is the size.
+void COLLECTION::update_upon_placement() {
+    flush_size();
+    update_size();
+}
+
 void COLLECTION::flush_size() {
     for (COLLECTION* c = this; c != nullptr; c = c->parent()) {
         c->size_valid_ = false;

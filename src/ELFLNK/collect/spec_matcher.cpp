@@ -1,0 +1,87 @@
+// The index of specifications: by literal name, the rest in order.
+#include "ELFLNK/collect/spec_matcher.h"
+
+#include <algorithm>
+
+#include "ELFLNK/filter/filter.h"
+#include "ELFLNK/object/section.h"
+#include "ELFLNK/object/section_spec.h"
+#include "ELFLNK/target/abi.h"
+#include "ELFLNK/target/target.h"
+
+SPEC_MATCHER::SPEC_MATCHER(const std::vector<SECTION_SPEC*>& specs)
+    : specs_(specs), delimiters_(Target->abi()->legal_subsection_delimiters()) {
+    for (uint32_t i = 0; i < specs.size(); ++i) {
+        if (specs[i]->section_filter() != nullptr)
+            index_filter(specs[i]->section_filter(), i);
+        else if (specs[i]->accepts_without_section_filter())
+            tried_.push_back(i);
+    }
+    std::sort(tried_.begin(), tried_.end());
+    tried_.erase(std::unique(tried_.begin(), tried_.end()), tried_.end());
+}
+
+void SPEC_MATCHER::index_filter(const FILTER* filter, uint32_t spec) {
+    for (; filter->get_kind() == FILTER::OR && filter->right() != nullptr; filter = filter->right())
+        index_filter(filter->left(), spec);
+    const char* pattern = filter->get_pattern();
+    if (filter->get_kind() != FILTER::PATTERN || FILTER::has_wildcards(pattern)) {
+        tried_.push_back(spec);
+        return;
+    }
+    auto& list = literals_[pattern].specs;
+    if (list.empty() || list.back() != spec) list.push_back(spec);
+    // A reserved name takes every continuation of it, which no look-up of prefixes finds.
+    if (Target->abi()->section_name_is_reserved(pattern)) tried_.push_back(spec);
+}
+
+void SPEC_MATCHER::enter_file(OBJ_FILE* file) {
+    if (generation_ != 0 && file == file_) return;
+    file_ = file;
+    ++generation_;
+    takes_file_.assign(specs_.size(), 0);
+    for (std::size_t i = 0; i < specs_.size(); ++i) takes_file_[i] = specs_[i]->match_file(file);
+    tried_in_file_.clear();
+    for (uint32_t i : tried_)
+        if (takes_file_[i] != 0) tried_in_file_.push_back(i);
+}
+
+uint32_t SPEC_MATCHER::first_of(std::string_view literal) {
+    auto at = literals_.find(literal);
+    if (at == literals_.end()) return NONE;
+    LITERAL& entry = at->second;
+    if (entry.generation == generation_) return entry.first;
+    entry.generation = generation_;
+    entry.first = NONE;
+    for (uint32_t i : entry.specs) {
+        if (takes_file_[i] == 0) continue;
+        entry.first = i;
+        break;
+    }
+    return entry.first;
+}
+
+uint32_t SPEC_MATCHER::first_literal(std::string_view name) {
+    uint32_t best = first_of(name);
+    for (std::size_t end = name.find_first_of(delimiters_); end != std::string_view::npos;
+         end = name.find_first_of(delimiters_, end + 1))
+        best = std::min(best, first_of(name.substr(0, end)));
+    return best;
+}
+
+SECTION_SPEC* SPEC_MATCHER::find(const char* name, OBJ_FILE* file) {
+    enter_file(file);
+    uint32_t best = *name != '\0' ? first_literal(name) : NONE;
+    for (uint32_t i : tried_in_file_) {
+        if (i >= best) break;
+        const SECTION_FILTER* filter = specs_[i]->section_filter();
+        if (filter != nullptr && !filter->match(name)) continue;
+        best = i;
+        break;
+    }
+    return best == NONE ? nullptr : specs_[best];
+}
+
+SECTION_SPEC* SPEC_MATCHER::find(SECTION* section) {
+    return find(section->original_section_name(), section->orig_infile());
+}
