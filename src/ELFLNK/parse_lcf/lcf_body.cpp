@@ -50,8 +50,12 @@ void LCF_PARSER::assignment_spec(COLLECTION* section) {
 
 void LCF_PARSER::add_dot_expr_to_collection(COLLECTION* section, EXPRESSION* expr,
                                             const SOURCE_POSITION& pos) {
-    section->add_member(new DOT_EXPRESSION(expr, &pos), true);
-    get_expr_mgr()->add_refs(expr);
+    auto* place = new DOT_EXPRESSION(expr, &pos);
+    section->add_member(place, true);
+    if (expr->is_assign_to_dot())
+        get_expr_mgr()->add_refs(expr);
+    else
+        place->add_user_assignment(expr); // the symbol's value is that of its place
 }
 
 void LCF_PARSER::add_assignment_to_object(LINKER_OBJECT* object, const char* symbol, int op,
