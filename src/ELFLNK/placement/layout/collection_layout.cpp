@@ -50,6 +50,7 @@ void LOCATOR::extract_subitems() {
             member->add_locator(sub);
         } else if (member->has_attr(PA_ALLOCATED) && !sub->placement_specified()) {
             sub->kind_ = kind_;
+            member->add_locator(sub);
         }
         sub->clear_flag(WISHES);
         if (is_split() && member->is_collection() && !member->has_attr(PA_NOSPLIT))

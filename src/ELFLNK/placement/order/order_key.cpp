@@ -26,6 +26,22 @@ int compare_preferred(const LINKER_OBJECT* a, const LINKER_OBJECT* b) {
     return before_if(first < second);
 }
 
+/// strcmp of the names. The name of an input section, "section:file", is made only where the
+/// section names alone don't decide: there are very many of them.
+int compare_names(const LINKER_OBJECT* a, const LINKER_OBJECT* b) {
+    if (a->is_section() && b->is_section()) {
+        const char* first = static_cast<const SECTION*>(a)->original_section_name();
+        const char* second = static_cast<const SECTION*>(b)->original_section_name();
+        while (*first != '\0' && *first == *second) {
+            ++first;
+            ++second;
+        }
+        if (*first != '\0' && *second != '\0')
+            return static_cast<unsigned char>(*first) - static_cast<unsigned char>(*second);
+    }
+    return strcmp(a->name(), b->name());
+}
+
 } // namespace
 
 ORDER_CONTEXT::ORDER_CONTEXT()
@@ -134,7 +150,7 @@ int ORDER_CONTEXT::compare(const ORDER_KEY& a, const ORDER_KEY& b) const {
     if (first->has_common_parent(second))
         if (int order = compare_members(a, b)) return order;
     if (alphabetical_)
-        if (int order = strcmp(first->name(), second->name())) return order;
+        if (int order = compare_names(first, second)) return order;
     if (a.use_count == 1 && b.use_count > 1) return -1;
     if (b.use_count == 1 && a.use_count > 1) return 1;
     if ((a.available != 0) != (b.available != 0)) return before_if(a.available != 0);
@@ -145,7 +161,7 @@ int ORDER_CONTEXT::compare(const ORDER_KEY& a, const ORDER_KEY& b) const {
         if (int order = compare_room(a, b)) return order;
     if (a.size != b.size) return before_if(a.size > b.size);
     if (first != second)
-        if (int order = strcmp(first->name(), second->name())) return order;
+        if (int order = compare_names(first, second)) return order;
     if (a.locator->is_run_or_both() != b.locator->is_run_or_both())
         return before_if(a.locator->is_run_or_both());
     return LINKER_OBJECT::sort_by_id(first, second);

@@ -68,7 +68,7 @@ TEST_F(FIRST_FIT_TEST, a_block_is_not_crossed_by_what_fits_into_one) {
     struct CASE {
         uint64_t size, at;
     };
-    for (const CASE& c : {CASE{0x60, 0}, CASE{0x60, 0x100}, CASE{0x180, 0x200}, CASE{0x20, 0x60}}) {
+    for (const CASE& c : {CASE{0xA0, 0}, CASE{0xA0, 0x100}, CASE{0x180, 0x200}, CASE{0x20, 0xA0}}) {
         LOCATOR* locator = object("o", c.size);
         locator->add_block(0x100);
         ASSERT_TRUE(locator->insert_into_range(range)) << c.size;
@@ -178,12 +178,8 @@ TEST_F(FIRST_FIT_TEST, what_does_not_fit_is_reported_and_goes_into_a_virtual_ran
     std::string text = reported([&] { lost->place_object(); });
     EXPECT_NE(text.find("program will not fit into available memory."), text.npos) << text;
     EXPECT_NE(text.find("fails for section \"lost\" size 0x40"), text.npos) << text;
-    EXPECT_NE(text.find("ROM          size: 0x100      unused: 0x10       max hole: 0x10"),
-              text.npos)
-        << text;
-    EXPECT_NE(text.find("RAM          size: 0x20       unused: 0x20       max hole: 0x20"),
-              text.npos)
-        << text;
+    EXPECT_NE(text.find("ROM size: 0x100 unused: 0x10 max hole: 0x10"), text.npos) << text;
+    EXPECT_NE(text.find("RAM size: 0x20 unused: 0x20 max hole: 0x20"), text.npos) << text;
     EXPECT_TRUE(lost->is_virtual() && lost->is_placed() && lost->placement_failed());
     EXPECT_EQ(lost->address(), 0U);
     EXPECT_TRUE(lost->range()->is_hidden());

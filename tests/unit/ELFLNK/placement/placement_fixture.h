@@ -15,6 +15,7 @@
 #include "ELFLNK/object/space.h"
 #include "ELFLNK/placement/order/worklist.h"
 #include "ELFLNK/placement/placement.h"
+#include "OPTIONGEN/option_obj.h"
 #include "UTIL/savestr.h"
 
 /// An object of a size and an alignment.
@@ -29,6 +30,9 @@ class SIZED : public SPACE {
 
 class PLACEMENT_TEST : public testing::Test {
   protected:
+    PLACEMENT_TEST() {
+        if (global_opts == nullptr) global_opts = new option_obj(true);
+    }
     static MEMORY_RANGE* add_range(const char* name, uint64_t origin, uint64_t length,
                                    uint32_t attrs = MEMORY_RANGE::ATTR_ALL) {
         auto* range = new MEMORY_RANGE(name, origin, length, attrs);
@@ -78,7 +82,7 @@ class PLACEMENT_TEST : public testing::Test {
         for (const LOCATOR* locator : list) text += std::string(locator->object()->name()) + " ";
         return text;
     }
-    /// What is reported while `what` runs.
+    /// What is reported while `what` runs, each run of blanks and line ends as one blank.
     template <class WHAT>
     static std::string reported(WHAT what) {
         testing::internal::CaptureStderr();
@@ -86,7 +90,16 @@ class PLACEMENT_TEST : public testing::Test {
         what();
         fflush(stdout);
         fflush(stderr);
-        return testing::internal::GetCapturedStdout() + testing::internal::GetCapturedStderr();
+        std::string text;
+        for (char c :
+             testing::internal::GetCapturedStdout() + testing::internal::GetCapturedStderr()) {
+            bool blank = c == ' ' || c == '\n';
+            if (!blank)
+                text += c;
+            else if (!text.empty() && text.back() != ' ')
+                text += ' ';
+        }
+        return text;
     }
 };
 
