@@ -28,6 +28,7 @@ constexpr uint32_t CHUNK = 4096;
 } // namespace
 
 void fill_data(OFE::OF_SECTION* section, uint32_t offset, uint32_t length, FILL_SPEC* fill) {
+    if (!section->initialized()) return; // nothing of it goes into the file
     if (fill == nullptr) fill = FILL_SPEC::default_fill();
     const uint32_t unit_bytes = std::max(section->unit_size() / 8, 1U);
     const uint32_t bytes = fill->pattern_bytes();

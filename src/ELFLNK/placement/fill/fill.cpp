@@ -1,0 +1,138 @@
+// Filling: gaps of memory ranges become filler output sections, gaps of collections SPACE members.
+//
+// Nothing is written here; the new objects carry their fill and are written like all others.
+#include "ELFLNK/placement/fill/fill.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "ELFLNK/locator/locator.h"
+#include "ELFLNK/memmap/fill_spec.h"
+#include "ELFLNK/memmap/memory_map.h"
+#include "ELFLNK/object/root_collection.h"
+#include "ELFLNK/object/section.h"
+#include "ELFLNK/object/space.h"
+#include "ELFLNK/target/abi.h"
+#include "ELFLNK/target/target.h"
+#include "OBJEDIT04/ofe/of_section.h"
+#include "OPTIONGEN/register_option.h"
+#include "UTIL/savestr.h"
+#include "UTIL/trace.h"
+
+static register_option disable_fill("disable:fill");
+
+namespace {
+
+/// A filler output section over [start, end) of the range.
+void fill_range_gap(const MEMORY_RANGE* range, uint64_t start, uint64_t end, FILL_SPEC* fill) {
+    static int count = 0;
+    if (end <= start) return;
+    auto* filler = new COLLECTION(savestrf("$fill%03d", count++), COLLECTION_OUTSECT);
+    filler->set_attr(PA_HAS_DATA);
+    filler->override_fill(fill);
+    auto* space = new SPACE("<space>", end - start);
+    space->override_fill(fill);
+    space->set_attr(PA_HAS_DATA);
+    filler->add_member(space, true);
+
+    auto* locator = new LOCATOR(LOCATOR_KIND::BOTH, filler);
+    locator->add_specific(start);
+    locator->set_flag(LF_NO_PADDING);
+    locator->add_page(range->page());
+    filler->add_locator(locator);
+    root_collection->add_member(filler, true);
+    root_collection->add_outsect(filler);
+    const bool placed = locator->commit_specific_fill_sect();
+    if (placed)
+        trace_fill.printf("0x%08lx-0x%08lx: filled\n", start, end);
+    else
+        trace_fill.printf("(placement failed)\n");
+}
+
+void fill_range(MEMORY_RANGE* range) {
+    const bool throughout = range->has_fill();
+    FILL_SPEC* fill = throughout ? range->fill() : FILL_SPEC::default_fill();
+    uint64_t cursor = range->origin();
+    // A copy: fillers enter the range while it is walked.
+    const std::vector<LOCATOR*> items(range->leaf_contents().begin(), range->leaf_contents().end());
+    for (LOCATOR* item : items) {
+        if (throughout) fill_range_gap(range, cursor, item->address(), fill);
+        if (item->object()->is_collection() && !item->is_run()) fill_collection(item->object());
+        cursor = std::max(cursor, item->end_address());
+    }
+    if (throughout) fill_range_gap(range, cursor, range->end(), fill);
+}
+
+/// The fill of a collection's gaps: the first that somebody gave.
+FILL_SPEC* fill_of(const COLLECTION* collection, const LOCATOR* locator) {
+    if (FILL_SPEC* nops = FILL_SPEC::get_required_fill(collection)) return nops;
+    if (collection->fill() != nullptr) return collection->fill();
+    const MEMORY_RANGE* range = locator->range();
+    if (range != nullptr && range->has_fill()) return range->fill();
+    return FILL_SPEC::default_fill();
+}
+
+void fill_collection_gap(COLLECTION* collection, uint64_t load_from, uint64_t run_from,
+                         uint64_t load_to, FILL_SPEC* fill) {
+    if (load_to <= load_from || collection->kind() == COLLECTION_LOGICAL) return;
+    const uint64_t size = load_to - load_from;
+    auto* space = new SPACE("<space>", size);
+    space->override_fill(fill);
+    space->set_attr(PA_HAS_DATA);
+    if (LOCATOR* run = collection->run_locator()) run->place_hole(space, run_from, run_from + size);
+    if (LOCATOR* load = collection->load_locator())
+        load->place_hole(space, load_from, load_from + size);
+    collection->add_member(space, true);
+    trace_fill.printf("0x%08lx-0x%08lx: filled\n", load_from, load_to);
+}
+
+bool has_initialized_data(SECTION* section) {
+    OFE::OF_SECTION* input = section->OF_SECTION_api();
+    return input != nullptr ? input->initialized() : section->has_attr(PA_HAS_DATA);
+}
+
+/// What a member itself is filled with.
+void inherit_fill(LINKER_OBJECT* member, FILL_SPEC* fill) {
+    SECTION* section = as_section(member);
+    if (section != nullptr && has_initialized_data(section))
+        member->override_fill(nullptr);
+    else if ((section != nullptr || member->is_space()) && member->fill() == nullptr)
+        member->add_fill(fill);
+}
+
+} // namespace
+
+void fill_collection(LINKER_OBJECT* obj) {
+    COLLECTION* collection = as_collection(obj);
+    if (collection == nullptr || !obj->has_attr(PA_ALLOCATED) || !obj->is_placed()) return;
+    const LOCATOR* locator =
+        obj->load_locator() != nullptr ? obj->load_locator() : obj->run_locator();
+    if (!locator->is_load() && !locator->is_both()) return;
+    FILL_SPEC* fill = fill_of(collection, locator);
+
+    std::vector<LINKER_OBJECT*> members(collection->members().begin(), collection->members().end());
+    std::sort(members.begin(), members.end(), LINKER_OBJECT::less_than_load_address);
+    uint64_t load_cursor = obj->load_address();
+    uint64_t run_cursor = obj->run_address();
+    const uint64_t load_end = load_cursor + collection->size();
+    for (LINKER_OBJECT* member : members) {
+        const uint64_t load = member->load_address();
+        fill_collection_gap(collection, load_cursor, run_cursor, load, fill);
+        inherit_fill(member, fill);
+        if (member->is_collection()) fill_collection(member);
+        const uint64_t size = member->size();
+        if (load + size <= load_cursor) continue;
+        load_cursor = load + size;
+        run_cursor = member->run_address() + size;
+    }
+    fill_collection_gap(collection, load_cursor, run_cursor, load_end, fill);
+    collection->sort_members(LINKER_OBJECT::less_than_load_address);
+}
+
+void fill_holes() {
+    if (disable_fill != 0) return;
+    trace_fill.printf("\n\nFILL MEMORY RANGES:\n");
+    const std::vector<MEMORY_RANGE*> ranges(memory_map->begin(), memory_map->end());
+    for (MEMORY_RANGE* range : ranges)
+        if (!range->is_hidden()) fill_range(range);
+}
