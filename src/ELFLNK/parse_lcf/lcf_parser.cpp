@@ -33,6 +33,7 @@ class LCF_FILE_SOURCE : public LCF_SOURCE {
 } // namespace
 
 uint32_t LCF_PARSER::next_seq_id_m = 1;
+bool LCF_PARSER::sections_seen_m = false;
 
 LCF_PARSER* new_LCF_PARSER(COMMAND_FILE* file) {
     return new LCF_PARSER(std::make_unique<LCF_FILE_SOURCE>(file), file->name());

@@ -37,6 +37,8 @@ class LCF_PARSER : public COMMAND_PARSER, protected LCF_LEXER {
 
     /// Numbers assignments, output sections and section specifications in file order.
     static uint32_t next_seq_id() { return next_seq_id_m++; }
+    /// True once a SECTIONS directive was read.
+    static bool sections_seen() { return sections_seen_m; }
 
   protected:
     /// An option word of the file; false if there is no such option.
@@ -148,4 +150,5 @@ class LCF_PARSER : public COMMAND_PARSER, protected LCF_LEXER {
     unsigned nesting_ = 0;
 
     static uint32_t next_seq_id_m;
+    static bool sections_seen_m;
 };

@@ -22,6 +22,7 @@ LOCATOR* merged_locator(LOCATOR_KIND kind, COLLECTION* section, const LOCATOR& c
 } // namespace
 
 void LCF_PARSER::sections_directive() {
+    sections_seen_m = true;
     latch_ = false;
     lex();
     output_section_list(root_collection);

@@ -230,7 +230,7 @@ class ABI {
     }
     /// With `use_lowest` the symbol stands for the lowest allocated output section, else for the
     /// first one.
-    virtual void define_static_base_symbol(bool use_lowest);
+    virtual void define_static_base_symbol(bool) {}
     /// The defined symbol of static_base_name(), or null.
     virtual OFE::OF_SYMBOL* static_base_symbol() const;
     /// Tells every allocated output section its static base.
@@ -340,8 +340,13 @@ class ABI {
                                    bool create);
     /// Assigns `name` an address operator (an EXPR_OPCODE) of `object`.
     static void assign_address(const char* name, int opcode, LINKER_OBJECT* object);
-    /// Assigns `name` the value -1.
+    /// Assigns `name` the value -1, on the root.
     void bind_invalid(const char* name);
+    /// True for a link that is neither partial nor a dynamic library.
+    static bool is_final_executable_link();
+    /// The fixed size from the option or the default, and the section's names, of stack or heap.
+    COLLECTION* define_memory_section(const char* name, int option, uint64_t default_size,
+                                      unsigned alignment, const char* option_text);
 
   private:
     mutable std::vector<std::string_view> reserved_prefixes_;

@@ -51,7 +51,6 @@ class TARGET {
     virtual void update_upon_scanning() {}
     virtual void update_upon_load() {}
     virtual void update_after_collection() {}
-    virtual void normalize_section_data(OFE::OF_SECTION*) {}
     virtual std::vector<const char*> auto_rts_triggers() const { return {}; }
     /// The run-time library's vendor: that of the output file, or 1 if it names none.
     unsigned rts_vendor() const;

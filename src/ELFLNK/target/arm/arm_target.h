@@ -1,0 +1,49 @@
+// The ARM family: its option checks, architectures, byte orders of code, and the run-time
+// convention that it links for.
+#pragma once
+
+#include "ELFLNK/target/arm/arm_arch_types.h"
+#include "ELFLNK/target/target.h"
+
+class ARM_TARGET final : public TARGET {
+  public:
+    ARM_TARGET();
+    ~ARM_TARGET() override;
+
+    const char* c_dir_env_name() const override { return "ALPINE_C_DIR"; }
+    const char* a_dir_env_name() const override { return "ALPINE_A_DIR"; }
+    void finalize_options() override;
+    void target_enter_predefined_macros(std::vector<std::string>& macros) const override;
+
+    void check_linker_compatibility(OBJ_FILE* file) override;
+    void update_upon_scanning() override;
+    void report_undef_symbol(OFE::OF_SYMBOL* symbol) override;
+
+    unsigned fill_max_width() const override { return 32; }
+    uint64_t max_segment_gap() const override { return 7; }
+    bool linker_generates_trampolines() const override;
+    bool linker_generates_veneers() const { return true; }
+    bool is_copy_compression_supported() const override { return true; }
+    bool is_crc_table_supported() const override { return true; }
+    unsigned default_crc_algorithm() const override { return 10; }
+    ABI* abi() override;
+
+    bool ELF_supported() const override { return true; }
+    void init_output_file(OFE::OBJECT_FILE* output, OFE::OBJECT_FILE* first) override;
+    void finalize_section_data(OFE::OF_SECTION* section) override;
+    void finalize_output_file() override;
+    void init_mapfile_filter() override;
+
+    static constexpr unsigned arm_nop() { return 0xE1A00000; }
+    /// By the output's instruction set version.
+    unsigned thumb_nop() const;
+
+  private:
+    void init_output_ELF_file(OFE::OBJECT_FILE* output, OFE::OBJECT_FILE* first);
+    void normalize_section_data(OBJ_FILE* file);
+    void be8_output_check();
+    void check_symver_options();
+
+    ARM_ARCH_TYPES silicon_;
+    bool needs_be8_code_swap_ = true; ///< the output is big-endian with little-endian code
+};

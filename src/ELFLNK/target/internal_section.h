@@ -1,0 +1,13 @@
+// Sections that the linker makes itself: they live in the internal file and take part in the link
+// like input sections.
+#pragma once
+
+#include <cstdint>
+
+class SECTION;
+
+/// A section without data and of size 0; `alignment` is a power of two.
+SECTION* create_uninitialized_section(const char* name, unsigned alignment);
+
+/// A read-only section with `size` bytes of 0.
+SECTION* create_read_only_section(const char* name, unsigned size, unsigned alignment);
