@@ -12,7 +12,7 @@ namespace OFE {
 
 ELF_GROUP_TABLE::ELF_GROUP_TABLE(ELF_SECTION* section)
     : OF_GROUP_TABLE(section->ofile()), section_(section) {
-    if (section->sh_entsize()) entsize_ = section->sh_entsize();
+    if (section->sh_entsize() >= 4) entsize_ = section->sh_entsize();
     if (ofile()->is_input()) read_members();
 }
 

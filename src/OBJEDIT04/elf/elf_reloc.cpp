@@ -116,7 +116,7 @@ int ELF_RELOC::patch_raw_data() {
 ELF_RELOC_TABLE::ELF_RELOC_TABLE(ELF_SECTION* section)
     : OF_RELOC_TABLE(section->ofile()), section_(section) {
     entsize_ = section->sh_entsize();
-    if (entsize_ == 0)
+    if (entsize_ < ELF_RELSIZE)
         entsize_ = std::strncmp(section->name(), ".rela", 5) == 0 ? ELF_RELASIZE : ELF_RELSIZE;
     if (is_rela() && entsize_ < ELF_RELASIZE) entsize_ = ELF_RELASIZE;
     take_raw();

@@ -17,7 +17,7 @@ namespace OFE {
 
 ELF_SYMBOL_TABLE::ELF_SYMBOL_TABLE(ELF_SECTION* section)
     : OF_SYMBOL_TABLE(section->ofile()), section_(section) {
-    if (section->sh_entsize()) entsize_ = section->sh_entsize();
+    if (section->sh_entsize() >= ELF_SYMSIZE) entsize_ = section->sh_entsize();
     take_raw();
 }
 

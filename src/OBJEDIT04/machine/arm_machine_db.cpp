@@ -70,6 +70,8 @@ constexpr NUMBER_NAME SH_TYPES[] = {
     {0x70000003, "SHT_ARM_ATTRIBUTES"},
 };
 constexpr NUMBER_NAME P_TYPES[] = {{0x70000001, "PT_ARM_EXIDX"}};
+constexpr NUMBER_NAME P_FLAGS[] = {
+    {0x10000000, "PF_ARM_SB"}, {0x20000000, "PF_ARM_PI"}, {0x40000000, "PF_ARM_ABS"}};
 constexpr NUMBER_NAME SH_FLAGS[] = {{0x20000000, "SHF_ARM_PURECODE"}};
 constexpr NUMBER_NAME E_FLAGS[] = {
     {ARM_MACHINE_DB::EF_ARM_BE8, "EF_ARM_BE8"},
@@ -141,6 +143,9 @@ bool ARM_MACHINE_DB::elf_e_flag_name(ELF_FILE*, unsigned flag, bool, const char*
 }
 bool ARM_MACHINE_DB::elf_p_type_name(ELF_SEGMENT*, unsigned type, const char*& name) {
     return name_in(P_TYPES, type, name);
+}
+bool ARM_MACHINE_DB::elf_p_flag_name(ELF_SEGMENT*, unsigned flag, const char*& name) {
+    return name_in(P_FLAGS, flag, name);
 }
 bool ARM_MACHINE_DB::elf_sh_type_name(ELF_SECTION*, unsigned type, const char*& name) {
     return name_in(SH_TYPES, type, name);
