@@ -204,11 +204,3 @@ bool debug_section_in_group() {
 bool scn_in_comdat_group(OF_SECTION* section) {
     return section->group() && section->group()->comdat_flag();
 }
-
-long build_time() {
-    static const long now = [] {
-        const char* fixed = getenv("SOURCE_DATE_EPOCH"); // reproducible outputs
-        return fixed ? strtol(fixed, nullptr, 10) : static_cast<long>(time(nullptr));
-    }();
-    return now;
-}

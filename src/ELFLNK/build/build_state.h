@@ -48,5 +48,3 @@ void create_program_headers();
 void store_symbol_value(OFE::OF_SYMBOL* symbol, OFE::OF_SECTION* section, uint64_t value,
                         bool final);
 
-// The name of the file that a symbol comes from, for tables; "" for the linker's own.
-const char* symbol_file_name(OFE::OF_SYMBOL* symbol);

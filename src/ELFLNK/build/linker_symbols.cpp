@@ -14,22 +14,10 @@
 
 using namespace OFE;
 
-OBJECT_FILE* output_OF_FILE() {
-    OBJ_FILE* out = file_manager.output_file();
-    return out ? out->object_file() : nullptr;
-}
-
 bool symbol_needs_final_value(OF_SYMBOL* symbol) {
     if (symbol->final() || !root_collection->symbol_is_in_link(symbol)) return false;
     OF_SYMBOL* by = symbol->resolved_by();
     return !by || (by->final() && !by->final_value());
-}
-
-const char* symbol_file_name(OF_SYMBOL* symbol) {
-    OBJ_FILE* file = file_manager.lookup_OF_FILE(symbol->ofile());
-    if (!file || file == file_manager.internal_file() || file == file_manager.output_file())
-        return "";
-    return file->unique_name();
 }
 
 void store_symbol_value(OF_SYMBOL* symbol, OF_SECTION* section, uint64_t value, bool final) {

@@ -13,6 +13,7 @@
 #include "ELFLNK/file/file_manager.h"
 #include "ELFLNK/file/obj_file.h"
 #include "ELFLNK/load/file_symbols.h"
+#include "ELFLNK/load/load.h"
 #include "ELFLNK/object/root_collection.h"
 #include "ELFLNK/object/section.h"
 #include "ELFLNK/object/symbol_object.h"

@@ -4,6 +4,7 @@
 #include "DIAG/elnk_msgs.h"
 #include "ELFLNK/build/build.h"
 #include "ELFLNK/build/build_state.h"
+#include "ELFLNK/load/load.h"
 #include "ELFLNK/symbol/symbol_table.h"
 #include "OBJEDIT04/ofe/of_symbol.h"
 #include "UTIL/text_table.h"

@@ -12,6 +12,7 @@
 #include "OPTIONGEN/option_obj.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <ctime>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -54,7 +55,10 @@ OFE::OBJECT_FILE* output_OF_FILE() {
 }
 
 long build_time() {
-    static const long now = long(time(nullptr));
+    static const long now = [] {
+        const char* fixed = getenv("SOURCE_DATE_EPOCH"); // reproducible outputs
+        return fixed ? strtol(fixed, nullptr, 10) : static_cast<long>(time(nullptr));
+    }();
     return now;
 }
 

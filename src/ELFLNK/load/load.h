@@ -26,7 +26,7 @@ bool is_comdat_member(OFE::OF_SECTION* section, OFE::OF_GROUP_TABLE* group);
 OBJ_FILE* symbol_obj_file(OFE::OF_SYMBOL* symbol);
 /// The file's name for messages: its path, or archive and member; the empty text for null.
 const char* file_diag_name(const OBJ_FILE* file);
-/// The same of the file that a symbol lies in.
+/// The same of the file that a symbol lies in; the empty text for the linker's own files.
 const char* symbol_file_name(OFE::OF_SYMBOL* symbol);
 /// The output file exists, so format and mangling are known.
 bool default_abi_is_known();

@@ -34,5 +34,7 @@ const char* file_diag_name(const OBJ_FILE* file) {
 }
 
 const char* symbol_file_name(OFE::OF_SYMBOL* symbol) {
-    return file_diag_name(symbol_obj_file(symbol));
+    const OBJ_FILE* file = symbol_obj_file(symbol);
+    const bool is_own = file == file_manager.internal_file() || file == file_manager.output_file();
+    return is_own ? "" : file_diag_name(file);
 }
