@@ -2,6 +2,7 @@
 #include "ELFLNK/placement/placement.h"
 
 #include <algorithm>
+#include <cstdio>
 
 #include "DIAG/elnk_msgs.h"
 #include "DIAG/source_position.h"
@@ -11,7 +12,10 @@
 #include "ELFLNK/placement/order/worklist.h"
 #include "ELFLNK/target/abi.h"
 #include "ELFLNK/target/target.h"
+#include "OPTIONGEN/register_option.h"
 #include "UTIL/trace.h"
+
+static register_option debug_map("debug:map");
 
 PLACEMENT_STATE& placement_state() {
     static PLACEMENT_STATE state;
@@ -121,4 +125,8 @@ void placement() {
     // Every object has an address.
     fill_holes();
     Target->abi()->update_upon_placement();
+    if (debug_map != 0) {
+        printf("\n\nMEMORY MAP AFTER PLACEMENT:\n\n");
+        memory_map->dump();
+    }
 }
