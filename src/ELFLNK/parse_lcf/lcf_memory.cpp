@@ -159,8 +159,7 @@ void LCF_PARSER::memory_fill(MEMORY_RANGE* range, bool vfill, const SOURCE_POSIT
     unsigned radix = 0;
     unsigned digits = 0;
     if (int_property_literal(value, radix, digits))
-        range->add_fill(new FILL_SPEC(value, radix, FILL_SPEC::bits_in_value(value, radix, digits)),
-                        &pos, vfill);
+        range->add_fill(new FILL_SPEC(value, radix, digits), &pos, vfill);
 }
 
 void LCF_PARSER::memory_attr(MEMORY_RANGE* range) {

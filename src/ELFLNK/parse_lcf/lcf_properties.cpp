@@ -303,8 +303,7 @@ bool LCF_PARSER::fill_property(COLLECTION* section) {
     unsigned radix = 0;
     unsigned digits = 0;
     if (int_property_literal(value, radix, digits))
-        section->add_fill(
-            new FILL_SPEC(value, radix, FILL_SPEC::bits_in_value(value, radix, digits)), &pos);
+        section->add_fill(new FILL_SPEC(value, radix, digits), &pos);
     return true;
 }
 
@@ -314,8 +313,6 @@ void LCF_PARSER::optional_fill(LINKER_OBJECT* object) {
     lex();
     if (!lex_required(TOK_INT)) return;
     const LCF_TOKEN& t = token();
-    object->add_fill(
-        new FILL_SPEC(t.value, t.radix, FILL_SPEC::bits_in_value(t.value, t.radix, t.digits)),
-        &pos);
+    object->add_fill(new FILL_SPEC(t.value, t.radix, t.digits), &pos);
     lex();
 }

@@ -16,6 +16,8 @@ LOCATOR* merged_locator(LOCATOR_KIND kind, COLLECTION* section, const LOCATOR& c
     auto* locator = new LOCATOR(kind, section);
     locator->merge(&common);
     if (own != nullptr) locator->merge(own);
+    if (common.is_ordered())
+        locator->set_flag(LF_ORDERED); // merging takes it from the last one alone
     return locator;
 }
 
@@ -61,12 +63,12 @@ void LCF_PARSER::output_section(COLLECTION* parent) {
 }
 
 void LCF_PARSER::group_or_union(COLLECTION* parent) {
-    latch_ = false;
     if (!enter_nesting()) {
         LCF_ERROR(elnk_syn_bad_oscn, text());
         lex();
         return;
     }
+    latch_ = false;
     SOURCE_POSITION pos = token().position();
     bool is_union = keyword_cs("UNION");
     const char* name = group_or_union_name(is_union);

@@ -153,8 +153,8 @@ TEST(expression, align_must_be_a_power_of_two_in_a_dot_expression) {
 }
 
 TEST(expression, properties_of_memory_ranges) {
-    memory_map->add(new MEMORY_RANGE("EXPR_RAM", 0, 0x1000, 0x200));
-    memory_map->add(new MEMORY_RANGE("EXPR_RAM", 1, 0x8000, 0x10));
+    memory_map->add(new MEMORY_RANGE("EXPR_RAM", 0x1000, 0x200));
+    memory_map->add(new MEMORY_RANGE("EXPR_RAM", 0x8000, 0x10, MEMORY_RANGE::ATTR_ALL, 1));
     auto value = [](EXPR_OPCODE op, int64_t page) {
         return node(op, symbol("EXPR_RAM"), constant(page))->evaluate(nullptr);
     };

@@ -28,6 +28,7 @@ class PARSE : public LCF_PARSER {
         FILE* file = open_memstream(&buffer, &size);
         DIAGNOSTIC::fp_m = file;
         DIAGNOSTIC::wrap_enabled_m = false;
+        DIAGNOSTIC::max_errors_m = ~0u;
         memory_map->clear();
         first_member_ = root_collection->members().size();
         parse();
@@ -64,7 +65,10 @@ class PARSE : public LCF_PARSER {
   protected:
     bool process_option(const char* text) override {
         options.push_back(text);
-        if (options.back() == "o") options.push_back(option_argument());
+        if (options.back() == "o") {
+            const char* argument = option_argument();
+            options.push_back(argument != nullptr ? argument : "");
+        }
         return options.back() != "bad";
     }
     void add_input_file(const char* name, const SOURCE_POSITION&) override {
@@ -373,7 +377,7 @@ TEST(lcf_parser, each_mistake_has_its_message_and_its_line) {
         {"a = START(\n 1);", "memory range name expected instead of \"1\""},
         {"a =\n (1;", "expecting \"\")\"\" instead of \";\""},
         {"SECTIONS {\n .a : { *(.t", "end of file encountered unexpectedly"},
-        {"MEMORY {\n", "end of file encountered unexpectedly"},
+        {"MEMORY\n{", "end of file encountered unexpectedly"},
     };
     for (const auto& c : cases) {
         PARSE p(c.text);
@@ -419,7 +423,7 @@ TEST(lcf_parser, any_text_ends) {
     const std::string seed =
         "MEMORY { A (RX) : o = 0, l = (4+1) ALIAS { B : o=9 C : o=99 } LENGTH = 4 }\n"
         "SECTIONS { GROUP(g) : { .a : { a.o(.t) -l x <m>(.d) = 3 { START(s) } . = ALIGN(4); }\n"
-        "> (A | B), PAGE 0, HIGH (COPY) } UNION { .b 0x10 : {} >> C } } x = START(A) + 1;\n";
+        "> (A | B, PAGE 0, HIGH) type=COPY } UNION { .b 0x10 : {} .c >> C } } x = START(A) + 1;\n";
     // Every prefix, and every text that lacks one character or has another in its place.
     for (size_t i = 0; i < seed.size(); ++i) {
         PARSE prefix(seed.substr(0, i));
@@ -430,5 +434,6 @@ TEST(lcf_parser, any_text_ends) {
             PARSE p(changed);
         }
     }
-    EXPECT_EQ(PARSE(seed).errors(), 0);
+    PARSE whole(seed);
+    EXPECT_EQ(whole.errors(), 0) << whole.messages;
 }
