@@ -8,6 +8,7 @@
 #include "ELFLNK/build/link_kind.h"
 #include "ELFLNK/file/file_manager.h"
 #include "ELFLNK/file/obj_file.h"
+#include "ELFLNK/mapfile/map_file.h"
 #include "ELFLNK/target/arm/arm_eabi.h"
 #include "OBJEDIT04/machine/arm_machine_db.h"
 #include "OBJEDIT04/ofe/object_file.h"
@@ -226,4 +227,9 @@ void ARM_TARGET::finalize_output_file() {
 unsigned ARM_TARGET::thumb_nop() const {
     ARM_MACHINE_DB* machine = output_machine();
     return machine != nullptr && isa_version_of(machine) >= ISA_WITH_THUMB2 ? 0xBF00 : 0x46C0;
+}
+
+void ARM_TARGET::init_mapfile_filter() {
+    mdisp_flags().add("veneers", "veneer functions", true);
+    TARGET::init_mapfile_filter();
 }
