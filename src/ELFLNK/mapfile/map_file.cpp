@@ -144,12 +144,6 @@ void MAPFILE_DISPFLAGS::set_ascii_defaults() {
 
 MAPFILE_DISPFLAGS& mdisp_flags() {
     static MAPFILE_DISPFLAGS flags;
-    static bool entered = false;
-    if (!entered) {
-        entered = true;
-        Target->init_mapfile_filter();
-        flags.set_ascii_defaults();
-    }
     return flags;
 }
 

@@ -271,4 +271,5 @@ void TARGET::init_mapfile_filter() {
         if (a.when == WITH_ELF && !ELF_supported()) continue;
         mdisp_flags().add(a.name, a.description, true);
     }
+    mdisp_flags().set_ascii_defaults();
 }
