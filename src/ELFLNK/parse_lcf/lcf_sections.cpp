@@ -52,6 +52,7 @@ void LCF_PARSER::output_section(COLLECTION* parent) {
     auto* section = new COLLECTION(savestr(text()), COLLECTION_OUTSECT, &pos);
     section->set_user_specified();
     section->set_order_number(next_seq_id());
+    root_collection->add_outsect(section);
     PLACEMENT_PROPERTIES props(section);
     lex();
     lex_skip_optional(':');

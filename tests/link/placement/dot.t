@@ -33,6 +33,6 @@ a.o back.cmd -o out.elf --entry_point=_start
 --- exit
 1
 --- stderr has
-error: assignment to '.' reduces the current section offset from 0x20 to 0x10
---- no-file
-out.elf
+error: assignment to '.' reduces the current section offset
+from 0x20 to 0x10
+--- no-file out.elf

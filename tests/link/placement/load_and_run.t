@@ -1,4 +1,4 @@
-A section with two addresses is placed twice with one inner layout; its run image goes first.
+A section with two addresses is placed twice with one inner layout. Its load image competes by size like any other.
 --- a.s
     .section .data.big, "aw"
     .balign 4
@@ -26,11 +26,11 @@ SECTIONS
 --- args
 a.o link.cmd -o out.elf --entry_point=_start
 --- section
-.text 0x0 0x10
+.text 0x24 0x10
 .data 0x20000000 0x24
 --- sym
 big 0x20000000 .data
 small 0x20000020 .data
-load_of_data 0x10
+load_of_data 0x0
 run_of_data 0x20000000
 size_of_data 0x24

@@ -14,5 +14,4 @@ a.o link.cmd -o out.elf --unused_section_elimination=off
 --- stderr has
 error: program will not fit into
 FLASH        size: 0x100        unused: 0xfc         max hole: 0xfc
---- no-file
-out.elf
+--- no-file out.elf

@@ -37,9 +37,9 @@ a.o palign.cmd -o out.elf --entry_point=_start
 MEMORY { FLASH (RX) : origin = 0x100, length = 0x1000   RAM (RW) : origin = 0x8000, length = 0x100 }
 SECTIONS
 {
-    .a : > FLASH(PRIORITY(3))
-    .b : > FLASH(PRIORITY(1))
-    .c : > FLASH(PRIORITY(2))
+    .a : > FLASH, PRIORITY(3)
+    .b : > FLASH, PRIORITY(1)
+    .c : > FLASH, PRIORITY(2)
     .d : > RAM
 }
 --- args
@@ -61,7 +61,8 @@ SECTIONS
 --- args
 a.o specific.cmd -o out.elf --entry_point=_start
 --- stderr has
-warning: specific address 0x112 overrides alignment of 4 for ".c"
+warning: specific address 0x112 overrides alignment of
+4 for ".c"
 --- section
 .c 0x112 0x8
 .b 0x11a 0x30
