@@ -64,6 +64,6 @@ a.o specific.cmd -o out.elf --entry_point=_start
 warning: specific address 0x112 overrides alignment of
 4 for ".c"
 --- section
-.c 0x112 0x8
-.b 0x11a 0x30
+.c 0x112 0xa
+.b 0x11c 0x30
 .a 0x100 0xc
