@@ -104,20 +104,46 @@ void write_leaves() {
     }
 }
 
-void save_buffered_sections() {
+// Sections that are in memory are complete: the target may turn their code into its final byte
+// order.
+void finalize_sections_in_memory() {
     for (LINKER_OBJECT* object : root_collection->outsects()) {
-        if (!object->output_buffered()) continue;
         OF_SECTION* section = object->output_OF_SECTION();
-        Target->finalize_section_data(section);
-        section->save();
+        if (section && section->initialized() && !section->is_direct_write())
+            Target->finalize_section_data(section);
     }
 }
 
-void write_data() {
+void save_buffered_sections() {
+    for (LINKER_OBJECT* object : root_collection->outsects())
+        if (object->output_buffered()) object->output_OF_SECTION()->save();
+}
+
+// The usual way: the file is laid out and saved without its sections' data, which then goes to its
+// place.
+bool save_and_write_data(FHM_FILE* file) {
+    if (output_OF_FILE()->save_obj(file) != 0) return false;
     trace_build.printf("\nWRITE DATA\n");
     choose_write_modes();
     write_leaves();
+    finalize_sections_in_memory();
     save_buffered_sections();
+    return true;
+}
+
+// Where symbols change: relocating needs them as they are, so all data is made in memory first.
+bool edit_symbols_and_save(FHM_FILE* file) {
+    trace_build.printf("\nWRITE DATA\n");
+    write_leaves();
+    finalize_sections_in_memory();
+    trace_build.printf("\nPOSTPROCESS\n");
+    apply_symbol_options();
+    return output_OF_FILE()->save_obj(file) == 0;
+}
+
+bool symbols_change() {
+    return global_opts->isopt(OPT_no_symtable) || global_opts->isopt(OPT_make_static) ||
+           outsym_attr_manager.has_changes();
 }
 
 void check_loadable() {
@@ -140,7 +166,6 @@ void write() {
     }
     OBJECT_FILE* out = output_OF_FILE();
     if (!out) return;
-    apply_symbol_options();
     OUTPUT_WRITER writer(output_name());
     FHM_FILE* file = writer.open();
     if (!file) {
@@ -148,8 +173,7 @@ void write() {
         return;
     }
     trace_build.printf("\n--> Write object file to '%s'\n", output_name());
-    bool saved = out->save_obj(file) == 0;
-    if (saved) write_data();
+    bool saved = symbols_change() ? edit_symbols_and_save(file) : save_and_write_data(file);
     if (DIAGNOSTIC::error_count_m > 0 || !saved) {
         DIAG_REPORT(elnk_outfile_not_built, output_name());
         writer.discard();
