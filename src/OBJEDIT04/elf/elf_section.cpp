@@ -347,6 +347,8 @@ int ELF_SECTION::revert_to_state(OF_STATE target) {
 int ELF_SECTION::lock_section() {
     if (max_state(OF_STATE_OPEN) != 0) return -1;
     make_companion();
+    // Formatting changes sh_offset: the view of the contents is taken while it says where they are.
+    if (in_file_ && initialized()) raw_data();
     if (companion_ && companion_->set_state(OF_STATE_LOCKED) != 0) return -1;
     if (initialized() && has_raw_data() && (companion_ || !raw_data().empty()))
         shdr_.sh_size = static_cast<unsigned>(raw_data().size());
@@ -371,8 +373,6 @@ int ELF_SECTION::save() {
     if (has_raw_data())
         raw_data().set_file(ofile()->file(), uint64_t{ofile()->handle().offset} + shdr_.sh_offset,
                             size);
-    else
-        in_file_ = false;
     return 0;
 }
 

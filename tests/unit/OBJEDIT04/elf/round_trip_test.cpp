@@ -170,6 +170,7 @@ TEST(elf_delete, a_deleted_section_takes_its_relocations_and_leaves_a_placeholde
     FILE_PTR g = read_file(saved(*f));
     ASSERT_TRUE(g);
     EXPECT_EQ(g->section_table()->section_name(".data", 0), nullptr);
+    EXPECT_EQ(text_of(g->section_table()->section_name(".text.once", 0)), "once"); // at another place in the file
     EXPECT_TRUE(errors.empty()) << errors[0].text;
 }
 
