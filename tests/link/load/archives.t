@@ -48,15 +48,15 @@ SECTIONS { .text : { *(.text*) } > M }
 --- case members that need members further up in the directory
 --- args
 main.o backward.a ok.cmd -o out.elf
---- sym
-one - .text
-two - .text
-three - .text
+--- readelf -sW
+GLOBAL DEFAULT 1 one
+GLOBAL DEFAULT 1 two
+GLOBAL DEFAULT 1 three
 --- case a member that nothing wants stays out
 --- args
 main.o many.a ok.cmd -o out.elf
 --- sym
-one - .text
+one 0x1008 .text
 unused -
 --- case an archive ahead of the need is not read again
 --- args
@@ -69,7 +69,7 @@ one       main.o
 --- args
 many.a main.o --reread_libs ok.cmd -o out.elf
 --- sym
-one - .text
+one 0x1008 .text
 --- case archives that need each other are not read again
 --- args
 main.o onethree.a justtwo.a ok.cmd -o out.elf
@@ -80,28 +80,33 @@ three     justtwo.a<two.o>
 --- case unless they form a group
 --- args
 main.o --start-group onethree.a justtwo.a --end-group ok.cmd -o out.elf
---- sym
-three - .text
+--- readelf -sW
+GLOBAL DEFAULT 1 one
+GLOBAL DEFAULT 1 two
+GLOBAL DEFAULT 1 three
 --- case with priority an earlier archive serves first
 --- args
 other.a main.o many.a --priority ok.cmd -o out.elf
 --- bytes .text
-7047 c046 08100000 11000000
+7047 00bf 08100000 11000000
 --- case without it the archive behind the need
 --- args
 other.a main.o many.a ok.cmd -o out.elf
 --- sym
-three - .text
+three 0x100c .text
 --- case a weak reference pulls nothing
 --- args
 weakref.o many.a ok.cmd -o out.elf
 --- sym
-one -
+one 0
 --- case an expression of a command file pulls a member
 --- args
-main.o many.a asks.cmd ok.cmd --undef_sym=wanted -o out.elf
---- sym
-unused - .text
+main.o many.a asks.cmd ok.cmd -o out.elf
+--- exit
+1
+--- stderr has
+"asks.cmd", line 1: warning: the address used for symbol "unused" is not
+"asks.cmd", line 1: error: symbol "unused" used in expression before it has
 --- case nested groups
 --- args
 main.o --start-group many.a --start-group --end-group ok.cmd -o out.elf
@@ -113,4 +118,5 @@ Nested --start-group options are not permitted.
 --- args
 --undef_sym=three many.a main.o backward.a ok.cmd -o out.elf
 --- sym
-three - .text
+three 0x100c .text
+_start 0x1001 .text

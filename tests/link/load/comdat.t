@@ -39,15 +39,16 @@ f:  movs r0, #3
 h:  .word .Lin
 --- ok.cmd
 --entry_point=_start
+--diag_suppress=10151
 MEMORY { M : origin = 0x1000, length = 0x1000 }
-SECTIONS { .text : { *(.text._start) *(.text.g) *(.text.f) } > M   .data : { *(.data*) } > M }
---- case the first file's group
+SECTIONS { .text : { *(.text*) } > M   .data : { *(.data*) } > M }
+--- case the group of the first file
 --- args
 a.o b.o ok.cmd --undef_sym=g -o out.elf
 --- dis .text
 movs r0, #1
 --- section
-.data - -
+.data 0 0
 --- case whatever the order of the files
 --- args
 b.o a.o ok.cmd --undef_sym=g -o out.elf
@@ -55,7 +56,7 @@ b.o a.o ok.cmd --undef_sym=g -o out.elf
 movs r0, #2
 movs r0, #2
 --- section
-.data - 4
+.data 0x1012 4
 --- case a reference into a deleted group from outside
 --- args
 a.o intern.o ok.cmd --undef_sym=h -o out.elf

@@ -64,6 +64,7 @@ dead: bx lr
     .word dead
 --- ok.cmd
 --entry_point=_start
+--diag_suppress=10151
 MEMORY { M : origin = 0x1000, length = 0x1000 }
 SECTIONS {
     .text : { *(.text*) } > M
@@ -79,14 +80,14 @@ SECTIONS { .text : { *(.text*) } > M }
 --- args
 a.o ok.cmd -o out.elf
 --- sym
-used - .text
-table - .rodata
+used 0x1001 .text
+table 0x100e .rodata
 unused -
 --- case without elimination everything stays
 --- args
 a.o ok.cmd --unused_section_elimination=off -o out.elf
 --- sym
-unused - .text
+unused 0x100f .text
 --- case nothing is reached
 --- args
 a.o noentry.cmd -o out.elf
@@ -98,12 +99,12 @@ error: no input section is linked in
 --- args
 a.o init.o ok.cmd -o out.elf
 --- section
-.init_array - 4
+.init_array 0x1010 4
 --- case one member of a group brings in the others, and what they refer to
 --- args
 group.o ok.cmd -o out.elf
 --- section
-.data - 8
+.data 0x100c 8
 --- case a section tied by its link field lives with that section
 --- args
 order.o ok.cmd -o out.elf
@@ -113,6 +114,6 @@ order.o ok.cmd -o out.elf
 --- args
 debug.o ok.cmd -o out.elf
 --- section
-.debug_live - 8
+.debug_live 0 8
 .debug_dead - -
-.text - 2
+.text 0x1000 2

@@ -22,53 +22,54 @@ member: .word 8
 --- archive lib.a member.o
 --- ok.cmd
 --entry_point=_start
+--diag_suppress=10151
 MEMORY { M : origin = 0x1000, length = 0x1000 }
 SECTIONS { .vectors : { *(.isr_vector) } > M   .text : { *(.text*) } > M   .data : { *(.data*) } > M }
 --- case without it they go
 --- args
 a.o ok.cmd -o out.elf
 --- section
-.vectors - -
-.data - -
+.vectors 0 0
+.data 0 0
 --- case a section of any file
 --- args
 a.o b.o ok.cmd --retain=*(.isr_vector) -o out.elf
 --- section
-.vectors - 20
+.vectors 0x1000 20
 --- case a section of one file
 --- args
 a.o b.o ok.cmd --retain=b.o(.isr_vector) -o out.elf
 --- section
-.vectors - 12
+.vectors 0x1000 12
 --- case a symbol
 --- args
 a.o ok.cmd --retain=kept -o out.elf
 --- sym
-kept - .data
+kept 0x1000 .data
 other -
 --- case symbols by a pattern
 --- args
 a.o ok.cmd "--retain=?t*r" -o out.elf
 --- sym
-other - .data
+other 0x1000 .data
 kept -
 --- case a symbol that an archive has
 --- args
 a.o lib.a ok.cmd --retain=member -o out.elf
 --- sym
-member - .data
+member 0x1000 .data
 --- case a member is loaded, and its section kept
 --- args
 a.o lib.a ok.cmd "--retain=lib.a<member.o>(.data*)" -o out.elf
 --- sym
-member - .data
+member 0x1000 .data
 --- case several sections
 --- args
 a.o ok.cmd "--retain=*(.isr_vector, .data.other)" -o out.elf
 --- sym
-other - .data
+other 0x1008 .data
 --- section
-.vectors - 8
+.vectors 0x1000 8
 --- case everything by symbol is refused
 --- args
 a.o ok.cmd --retain=* -o out.elf

@@ -8,19 +8,19 @@ _start: bx lr
     .word x
 --- strong1.s
     .global x
-    .section .data.x, "aw"
+    .data
 x:  .word 0x11111111
 --- strong2.s
     .global x
-    .section .data.x, "aw"
+    .data
 x:  .word 0x22222222
 --- weak1.s
     .weak x
-    .section .data.x, "aw"
+    .data
 x:  .word 0x33333333
 --- weak2.s
     .weak x
-    .section .data.x, "aw"
+    .data
 x:  .word 0x44444444
 --- common4.s
     .comm x, 4, 4
@@ -36,13 +36,13 @@ x:  .word 0x44444444
     .global x
     x = 6
 --- comdat.s
-    .section .data.x, "awG", %progbits, group_x, comdat
+    .section .data, "awG", %progbits, group_x, comdat
     .global x
 x:  .word 0x55555555
 --- ok.cmd
 --entry_point=_start
 MEMORY { M : origin = 0x1000, length = 0x1000 }
-SECTIONS { .text : { *(.text*) } > M   .data : { *(.data*) } > M   .bss : { *(.bss*) } > M }
+SECTIONS { .text : { *(.text*) } > M   .data : > M   .bss : > M }
 --- define.cmd
 x = 0x77;
 --- case two strong definitions
@@ -81,17 +81,17 @@ main.o strong2.o weak1.o ok.cmd -o out.elf
 --- args
 main.o common4.o common8.o ok.cmd -o out.elf
 --- section
-.bss - 8
+.bss 0x1000 8
 --- case commons of different size, larger first
 --- args
 main.o common8.o common4.o ok.cmd -o out.elf
 --- section
-.bss - 8
+.bss 0x1000 8
 --- case a weak definition gives way to a common
 --- args
 main.o weak1.o common4.o ok.cmd -o out.elf
 --- section
-.bss - 4
+.bss 0x1008 4
 --- case a common and a strong definition
 --- args
 main.o common4.o strong1.o ok.cmd -o out.elf

@@ -24,23 +24,24 @@ old: .word 1
 --- archive lib.a new.o
 --- ok.cmd
 --entry_point=_start
+--diag_suppress=10151
 MEMORY { M : origin = 0x1000, length = 0x1000 }
 SECTIONS { .text : { *(.text*) } > M   .data : { *(.data*) } > M }
 --- case the mapped name is taken
 --- args
 a.o new.o old.o ok.cmd --symbol_map=old=new -o out.elf
 --- bytes .text
-7047 c046 78563412
+7047 00bf 78563412
 --- case an archive serves the mapped name
 --- args
 a.o lib.a ok.cmd --symbol_map=old=new -o out.elf
 --- bytes .text
-7047 c046 78563412
+7047 00bf 78563412
 --- case the other option
 --- args
 a.o new.o ok.cmd --remap_symref:old=new -o out.elf
 --- bytes .text
-7047 c046 78563412
+7047 00bf 78563412
 --- case two mappings of one name
 --- args
 a.o new.o ok.cmd --symbol_map=old=new --symbol_map=old=other -o out.elf

@@ -44,10 +44,10 @@ a.o b.o ok.cmd -o out.elf --undef_sym=b
 --- stderr
 
  undefined first referenced
-  symbol       in file     
+  symbol       in file
  --------- ----------------
- alpha     a.o             
- zulu      a.o             
+ alpha     a.o
+ zulu      a.o
 
 error: unresolved symbols remain
 error: errors encountered during linking; "out.elf" not built
@@ -61,7 +61,7 @@ never -
 --- args
 weak.o ok.cmd -o out.elf
 --- bytes .text
-7047 c046 00000000
+7047 00000000
 --- case names are shown as the source has them
 --- args
 cxx.o ok.cmd -o out.elf
