@@ -1,0 +1,121 @@
+The map shows entry, memory, segments, sections with holes and fills, modules and symbols; each part can be left out.
+--- a.s
+    .syntax unified
+    .section .vec, "a"
+    .word start
+    .section .text.start, "ax"
+    .global start
+    .thumb_func
+start: bl one
+    bl two
+    ldr r0, =value
+    ldr r1, =zeros
+    .data
+    .global value
+value: .word 1, 2, 3
+    .bss
+    .global zeros
+zeros: .space 16
+--- one.s
+    .global one
+    .section .text.one, "ax"
+    .thumb_func
+one: bx lr
+--- two.s
+    .global two
+    .section .text.two, "ax"
+    .thumb_func
+two: bx lr
+    nop
+--- archive lib.a one.o two.o
+--- l.cmd
+--entry_point=start --retain=*(.vec)
+MEMORY { FLASH (RX) : o = 0x0, l = 0x1000  RAM (RW) : o = 0x20000000, l = 0x100, fill = 0xAB }
+SECTIONS {
+    .vectors 0x0 : { *(.vec) . += 12; } fill = 0x55
+    .text 0x40 : { *(.text.start) . = ALIGN(32); *(.text*) }
+    .data : {} LOAD = FLASH, RUN = RAM
+    .bss : {} > RAM
+}
+--- case everything
+--- args
+a.o lib.a l.cmd -o out.elf --map_file=out.map
+--- text out.map has
+******************************************************************************
+                  QV ARM Linker Unix
+>> Linked
+OUTPUT FILE NAME:   <out.elf>
+ENTRY POINT SYMBOL: "start"  address: 00000041
+MEMORY CONFIGURATION
+         name            origin    length      used     unused   attr    fill
+----------------------  --------  ---------  --------  --------  ----  --------
+  RAM                   20000000   00000100  00000100  00000000  RW    ab
+SEGMENT ALLOCATION MAP
+run origin  load origin   length   init length attrs members
+----------  ----------- ---------- ----------- ----- -------
+SECTION ALLOCATION MAP
+ output                                  attributes/
+section   page    origin      length       input sections
+--------  ----  ----------  ----------   ----------------
+.vectors   0    00000000    00000010
+                  00000000    00000004     a.o (.vec)
+                  00000004    0000000c     --HOLE-- [fill = 55]
+.data      0    00000010    0000000c     RUN ADDR = 20000010
+.text      0    00000040
+                  00000040    00000014     a.o (.text.start)
+                  00000054    0000000c     --HOLE-- [fill = 0]
+     lib.a : two.o (.text.two)
+           : one.o (.text.one)
+.bss       0    20000000    00000010     UNINITIALIZED
+MODULE SUMMARY
+       Module
+    <current directory>
+       a.o
+       Total:
+    lib.a
+       two.o
+       one.o
+       Total:
+       Grand Total:
+GLOBAL SYMBOLS: SORTED ALPHABETICALLY BY Name
+address   name
+-------   ----
+00000065  one
+00000041  start
+00000061  two
+20000010  value
+20000000  zeros
+GLOBAL SYMBOLS: SORTED BY Symbol Address
+00000041  start
+00000061  two
+00000065  one
+20000000  zeros
+20000010  value
+ symbols]
+--- case parts left out
+--- args
+a.o lib.a l.cmd -o out.elf -m out.map --mapfile_contents=nomemory,nosections,sym_defs,bogus
+--- stderr
+warning: unrecognized --mapfile_contents attribute:  bogus
+--- text out.map lacks
+MEMORY CONFIGURATION
+SECTION ALLOCATION MAP
+--- text out.map has
+OUTPUT FILE NAME:   <out.elf>
+SEGMENT ALLOCATION MAP
+MODULE SUMMARY
+SYMBOL DEFINITIONS BY INPUT FILE
+================================================================================
+a.o
+Value     Binding   Name (Section)
+00000041  global    start (.text.start)
+20000010  global    value (.data)
+lib.a : one.o
+--- case no place for the file
+--- args
+a.o lib.a l.cmd -o out.elf -m nowhere/out.map
+--- exit
+1
+--- stderr has
+fatal error: cannot open file "nowhere/out.map":  No such file or directory
+--- no-file out.elf
