@@ -135,7 +135,7 @@ class ABI {
     virtual void form_init_tables();
     virtual void form_cinit_table() {}
     virtual void form_pinit_table();
-    virtual void form_binit_table();
+    virtual void form_binit_table() {}
     virtual bool need_compressed_cinit() const;
     virtual uint64_t cinit_pad_size() const {
         return 0;

@@ -19,6 +19,12 @@ OFE::OF_SECTION* new_internal_OF_SECTION(const char* name, unsigned alignment) {
     return section;
 }
 
+SECTION* new_object(OFE::OF_SECTION* section) {
+    auto* object = new SECTION(file_manager.internal_file(), section);
+    root_collection->add_section(object);
+    return object;
+}
+
 } // namespace
 
 // SECTION reads its attributes from the section when it is made, so the section is complete before.
@@ -26,7 +32,7 @@ SECTION* create_uninitialized_section(const char* name, unsigned alignment) {
     OFE::OF_SECTION* section = new_internal_OF_SECTION(name, alignment);
     section->set_bss();
     section->set_allocated(true);
-    return new SECTION(file_manager.internal_file(), section);
+    return new_object(section);
 }
 
 SECTION* create_read_only_section(const char* name, unsigned size, unsigned alignment) {
@@ -35,5 +41,5 @@ SECTION* create_read_only_section(const char* name, unsigned size, unsigned alig
     section->set_allocated(true);
     const std::vector<uint8_t> zeros(size);
     section->write_to_raw_data(zeros.data(), size, 0);
-    return new SECTION(file_manager.internal_file(), section);
+    return new_object(section);
 }

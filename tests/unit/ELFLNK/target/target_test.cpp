@@ -124,6 +124,7 @@ TEST_F(Convention, the_entry_point_needs_a_c_model_or_a_name) {
     EXPECT_STREQ(target.entry_point_name(), "_c_int00");
     global_opts->setopt(OPT_no_entry_point);
     EXPECT_EQ(target.entry_point_name(), nullptr);
+    global_opts->clearopt(OPT_no_entry_point);
     global_opts->setopt(OPT_entry_point, "Reset");
     EXPECT_STREQ(target.entry_point_name(), "Reset");
 }
