@@ -3,6 +3,7 @@
 #include "ELFLNK/write/output_writer.h"
 
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -17,9 +18,25 @@ namespace {
 
 char unfinished[4096]; // "": none
 
+// Signals that end a process and that nobody else looks at.
+void end_by_signal(int sig) {
+    remove_unfinished_output();
+    signal(sig, SIG_DFL);
+    raise(sig);
+}
+
+void watch_ends_of_process() {
+    atexit(remove_unfinished_output);
+    for (int sig : {SIGPIPE, SIGQUIT, SIGALRM, SIGUSR1, SIGUSR2}) {
+        auto before = signal(sig, end_by_signal);
+        if (before != SIG_DFL) signal(sig, before);
+    }
+}
+
 void set_unfinished(const char* path) {
-    static const bool registered = atexit(remove_unfinished_output) == 0;
-    (void)registered;
+    static bool watching = false;
+    if (!watching) watch_ends_of_process();
+    watching = true;
     if (strlen(path) < sizeof unfinished) strcpy(unfinished, path);
 }
 
