@@ -3,6 +3,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <deque>
 #include <fstream>
 #include <iterator>
 #include <memory>
@@ -45,9 +46,12 @@ inline FILE_PTR new_file(OFE::OF_ENDIAN endian = OFE::OF_ENDIAN_LITTLE) {
     return f;
 }
 
-inline FILE_PTR read_file(const BYTES& bytes) {
-    return FILE_PTR(OFE::new_OBJECT_FILE(bytes.data(), static_cast<unsigned>(bytes.size()),
-                                         "input.o", keep_error));
+// The bytes are kept: an object file is a view of them.
+inline FILE_PTR read_file(BYTES bytes) {
+    static std::deque<BYTES> kept;
+    const BYTES& b = kept.emplace_back(std::move(bytes));
+    return FILE_PTR(
+        OFE::new_OBJECT_FILE(b.data(), static_cast<unsigned>(b.size()), "input.o", keep_error));
 }
 
 class TEMP_FILE {
