@@ -1,3 +1,4 @@
+// Members of an archive become object files when they are asked for, once each.
 #include "ELFLNK/file/archive_file.h"
 
 #include "DIAG/elnk_msgs.h"

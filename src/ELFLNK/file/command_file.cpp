@@ -1,3 +1,4 @@
+// A command file is parsed in place, from the mapped text.
 #include "ELFLNK/file/command_file.h"
 
 #include "ELFLNK/parse_lcf/lcf_parser.h"

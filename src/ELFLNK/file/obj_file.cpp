@@ -1,3 +1,4 @@
+// OBJ_FILE: what kind of object it is, and the name that reports know it by.
 #include "ELFLNK/file/obj_file.h"
 
 #include "ELFLNK/file/archive_file.h"

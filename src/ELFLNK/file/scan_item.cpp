@@ -1,3 +1,4 @@
+// Asking a scan item for what it is not is a fault of the linker.
 #include "ELFLNK/file/scan_item.h"
 
 #include "DIAG/elnk_msgs.h"
