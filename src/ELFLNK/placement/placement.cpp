@@ -83,26 +83,29 @@ void place_phase_3() {
 } // namespace
 
 /// Must the rest of the list be sorted again, now that `placed` is out of it?
-static bool must_sort_again(LOCATOR* placed, const LOCATOR_LIST& rest, WORKLIST_KEYS& keys) {
+static bool must_sort_again(LOCATOR* placed, const LOCATOR_LIST& rest, const ORDER_WATCH& watch) {
+    if (watch.stands_after(placed)) return false;
     if (!placed->placement_specified()) return true;
-    auto competes = [placed](LOCATOR* other) { return placed->competes_for_range_vs(other); };
-    if (std::none_of(rest.begin(), rest.end(), competes)) return false;
-    return keys.order_may_change(placed, rest);
+    return std::any_of(rest.begin(), rest.end(),
+                       [placed](LOCATOR* other) { return placed->competes_for_range_vs(other); });
 }
 
+// While the list is worked through, its head stands at the end of the vector.
 void place_worklist(LOCATOR_LIST& list) {
     bool any_alias = std::any_of(memory_map->begin(), memory_map->end(), is_aliased);
-    WORKLIST_KEYS keys;
+    ORDER_WATCH watch;
     bool sort = true;
+    std::reverse(list.begin(), list.end());
     while (!list.empty()) {
         if (sort || any_alias) {
-            sort_worklist(list, true);
-            keys.note(list);
+            std::reverse(list.begin(), list.end());
+            sort_worklist(list, true, &watch);
+            std::reverse(list.begin(), list.end());
         }
-        LOCATOR* locator = list.front();
-        list.erase(list.begin());
+        LOCATOR* locator = list.back();
+        list.pop_back();
         locator->place_object();
-        sort = must_sort_again(locator, list, keys);
+        sort = must_sort_again(locator, list, watch);
     }
 }
 

@@ -30,6 +30,11 @@ class ORDER_CONTEXT {
     ORDER_KEY key_of(LOCATOR* locator);
     /// Free space of the ranges that both can use.
     uint64_t contention(const ORDER_KEY& a, const ORDER_KEY& b) const;
+    const std::vector<MEMORY_RANGE*>& ranges() const { return ranges_; }
+    /// Indices of the ranges that it can use; none if it has no wish.
+    const std::vector<uint32_t>& ranges_of(const ORDER_KEY& key) const {
+        return use_sets_[key.use_set];
+    }
     /// Negative if a goes first.
     int compare(const ORDER_KEY& a, const ORDER_KEY& b) const;
 

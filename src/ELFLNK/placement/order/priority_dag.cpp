@@ -2,6 +2,7 @@
 #include "ELFLNK/placement/order/priority_dag.h"
 
 #include <bit>
+#include <queue>
 
 #include "DIAG/elnk_msgs.h"
 #include "ELFLNK/object/linker_object.h"
@@ -15,55 +16,82 @@ void set_bit(uint64_t* bits, uint32_t n) {
     bits[n / 64] |= uint64_t{1} << (n % 64);
 }
 
+/// Runs `visit` on the number of each bit that is set.
+template <class VISIT>
+void for_each_bit(size_t word, uint64_t bits, VISIT visit) {
+    for (; bits != 0; bits &= bits - 1)
+        visit(static_cast<uint32_t>(word * 64 + static_cast<unsigned>(std::countr_zero(bits))));
+}
+
+/// Could an edge start or end here, before the roots are joined?
+bool can_have_edges(const ORDER_KEY& key) {
+    return key.contends || key.locator->is_run() || key.locator->is_load() ||
+           key.locator->has_flag(LF_PRIORITY);
+}
+
 } // namespace
 
 PLACEMENT_PRIORITY_DAG::PLACEMENT_PRIORITY_DAG(const ORDER_CONTEXT& context,
                                                const std::vector<ORDER_KEY>& keys)
-    : context_(context), words_((keys.size() + 63) / 64) {
+    : context_(context) {
     nodes_.reserve(keys.size());
-    for (const ORDER_KEY& key : keys) nodes_.push_back(PPD_NODE{key, {}, 0});
-    edge_bits_.resize(keys.size() * words_);
-    reaches_.resize(keys.size() * words_);
-    reached_by_.resize(keys.size() * words_);
+    for (const ORDER_KEY& key : keys) {
+        uint32_t row = NO_ROW;
+        if (can_have_edges(key)) {
+            row = static_cast<uint32_t>(rowed_.size());
+            rowed_.push_back(static_cast<uint32_t>(nodes_.size()));
+        }
+        nodes_.push_back(PPD_NODE{key, {}, 0, row});
+    }
+    words_ = (rowed_.size() + 63) / 64;
+    for (BITS* bits : {&edge_bits_, &reaches_, &reached_by_}) bits->resize(rowed_.size() * words_);
+}
+
+bool PLACEMENT_PRIORITY_DAG::path_exists(uint32_t from, uint32_t to) const {
+    return has_row(from) && has_row(to) &&
+           get_bit(bits_of(reaches_, nodes_[from].row), nodes_[to].row);
+}
+
+void PLACEMENT_PRIORITY_DAG::link(uint32_t from, uint32_t to) {
+    nodes_[from].edges.push_back(to);
+    ++nodes_[to].in_degree;
 }
 
 void PLACEMENT_PRIORITY_DAG::add_edge(uint32_t from, uint32_t to) {
-    if (get_bit(row(edge_bits_, from), to)) return;
-    set_bit(row(edge_bits_, from), to);
-    nodes_[from].edges.push_back(to);
-    ++nodes_[to].in_degree;
-    note_path(from, to);
+    uint32_t from_row = nodes_[from].row;
+    uint32_t to_row = nodes_[to].row;
+    if (get_bit(bits_of(edge_bits_, from_row), to_row)) return;
+    set_bit(bits_of(edge_bits_, from_row), to_row);
+    link(from, to);
+    note_path(from_row, to_row);
 }
 
 /// What reaches `from`, and `from` itself, now reaches `to` and all that `to` reaches. Whoever
 /// reached `to` before already knows.
 void PLACEMENT_PRIORITY_DAG::note_path(uint32_t from, uint32_t to) {
-    if (path_exists(from, to)) return;
+    if (get_bit(bits_of(reaches_, from), to)) return;
     join_reach(from, to);
-    for (size_t word = 0; word < words_; ++word) {
-        uint64_t fresh = row(reached_by_, from)[word] & ~row(reached_by_, to)[word];
-        for (; fresh != 0; fresh &= fresh - 1)
-            join_reach(static_cast<uint32_t>(word * 64 + std::countr_zero(fresh)), to);
-    }
+    for (size_t word = 0; word < words_; ++word)
+        for_each_bit(word, bits_of(reached_by_, from)[word] & ~bits_of(reached_by_, to)[word],
+                     [&](uint32_t ancestor) { join_reach(ancestor, to); });
 }
 
 void PLACEMENT_PRIORITY_DAG::join_reach(uint32_t ancestor, uint32_t to) {
-    set_bit(row(reaches_, ancestor), to);
-    set_bit(row(reached_by_, to), ancestor);
+    set_bit(bits_of(reaches_, ancestor), to);
+    set_bit(bits_of(reached_by_, to), ancestor);
     for (size_t word = 0; word < words_; ++word) {
-        uint64_t fresh = row(reaches_, to)[word] & ~row(reaches_, ancestor)[word];
-        row(reaches_, ancestor)[word] |= fresh;
-        for (; fresh != 0; fresh &= fresh - 1)
-            set_bit(row(reached_by_, static_cast<uint32_t>(word * 64 + std::countr_zero(fresh))),
-                    ancestor);
+        uint64_t fresh = bits_of(reaches_, to)[word] & ~bits_of(reaches_, ancestor)[word];
+        bits_of(reaches_, ancestor)[word] |= fresh;
+        for_each_bit(word, fresh,
+                     [&](uint32_t below) { set_bit(bits_of(reached_by_, below), ancestor); });
     }
 }
 
 void PLACEMENT_PRIORITY_DAG::add_run_before_load_edges() {
-    for (uint32_t run = 0; run < nodes_.size(); ++run) {
+    for (uint32_t run : rowed_) {
         const LOCATOR* run_locator = nodes_[run].key.locator;
         if (!run_locator->is_run()) continue;
-        for (uint32_t load = 0; load < nodes_.size(); ++load) {
+        for (uint32_t load : rowed_) {
             const LOCATOR* load_locator = nodes_[load].key.locator;
             if (!load_locator->is_load()) continue;
             if (run_locator->object()->contains(load_locator->object()) && !path_exists(load, run))
@@ -74,7 +102,7 @@ void PLACEMENT_PRIORITY_DAG::add_run_before_load_edges() {
 
 void PLACEMENT_PRIORITY_DAG::add_user_priority_edges() {
     std::vector<uint32_t> earlier;
-    for (uint32_t node = 0; node < nodes_.size(); ++node) {
+    for (uint32_t node : rowed_) {
         const LOCATOR* locator = nodes_[node].key.locator;
         if (!locator->has_flag(LF_PRIORITY)) continue;
         for (auto it = earlier.rbegin(); it != earlier.rend(); ++it) {
@@ -87,8 +115,13 @@ void PLACEMENT_PRIORITY_DAG::add_user_priority_edges() {
 }
 
 void PLACEMENT_PRIORITY_DAG::add_competing_edges() {
-    for (uint32_t i = 0; i < nodes_.size(); ++i) {
-        for (uint32_t j = i + 1; j < nodes_.size(); ++j) {
+    std::vector<uint32_t> contending;
+    for (uint32_t node : rowed_)
+        if (nodes_[node].key.contends) contending.push_back(node);
+    for (size_t first = 0; first < contending.size(); ++first) {
+        uint32_t i = contending[first];
+        for (size_t second = first + 1; second < contending.size(); ++second) {
+            uint32_t j = contending[second];
             if (context_.contention(nodes_[i].key, nodes_[j].key) == 0) continue;
             int order = context_.compare(nodes_[i].key, nodes_[j].key);
             if (order < 0 && !path_exists(j, i)) add_edge(i, j);
@@ -104,9 +137,9 @@ uint32_t PLACEMENT_PRIORITY_DAG::find_single_root_node() {
     for (uint32_t node = root + 1; node < count; ++node) {
         if (nodes_[node].in_degree != 0) continue;
         if (context_.compare(nodes_[root].key, nodes_[node].key) < 0) {
-            add_edge(root, node);
+            link(root, node);
         } else {
-            add_edge(node, root);
+            link(node, root);
             root = node;
         }
     }
@@ -140,4 +173,22 @@ std::vector<ORDER_KEY> PLACEMENT_PRIORITY_DAG::order_placement_worklist(uint32_t
         stack.push_back({target, 0});
     }
     return {order.rbegin(), order.rend()};
+}
+
+/// The nodes stand in the order of the comparison, so the root of what is left is the first node
+/// that nothing is to precede.
+std::vector<ORDER_KEY> PLACEMENT_PRIORITY_DAG::order_by_roots() {
+    std::priority_queue<uint32_t, std::vector<uint32_t>, std::greater<>> roots;
+    for (uint32_t node = 0; node < nodes_.size(); ++node)
+        if (nodes_[node].in_degree == 0) roots.push(node);
+    std::vector<ORDER_KEY> order;
+    order.reserve(nodes_.size());
+    while (!roots.empty()) {
+        uint32_t root = roots.top();
+        roots.pop();
+        order.push_back(nodes_[root].key);
+        for (uint32_t target : nodes_[root].edges)
+            if (--nodes_[target].in_degree == 0) roots.push(target);
+    }
+    return order;
 }

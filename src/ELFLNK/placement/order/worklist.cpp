@@ -52,12 +52,13 @@ bool has_constraints(const KEYS& keys) {
     return false;
 }
 
-void order_by_graph(KEYS& keys, const ORDER_CONTEXT& context) {
+void order_by_graph(KEYS& keys, const ORDER_CONTEXT& context, bool root_by_root) {
     PLACEMENT_PRIORITY_DAG graph(context, keys);
     graph.add_run_before_load_edges();
     graph.add_user_priority_edges();
     graph.add_competing_edges();
-    keys = graph.order_placement_worklist(graph.find_single_root_node());
+    keys = root_by_root ? graph.order_by_roots()
+                        : graph.order_placement_worklist(graph.find_single_root_node());
 }
 
 /// Without the graph: carriers of a priority by ascending number, each in front of the first
@@ -115,7 +116,7 @@ void warn_of_priorities_not_honored(const LOCATOR_LIST& list) {
 
 } // namespace
 
-void sort_worklist(LOCATOR_LIST& list, bool use_priorities) {
+void sort_worklist(LOCATOR_LIST& list, bool use_priorities, ORDER_WATCH* watch) {
     if (use_priorities && Target->abi()->gabi_segment_mode()) return;
     ORDER_CONTEXT context;
     KEYS bucket[BUCKETS];
@@ -128,11 +129,17 @@ void sort_worklist(LOCATOR_LIST& list, bool use_priorities) {
 
     KEYS main = std::move(bucket[SPECIFIC]);
     main.insert(main.end(), bucket[MAIN].begin(), bucket[MAIN].end());
+    if (watch != nullptr) {
+        KEYS all = main;
+        for (BUCKET rest : {LAST, COPY_TABLES, EXIDX, DYNAMIC, VIRTUAL})
+            all.insert(all.end(), bucket[rest].begin(), bucket[rest].end());
+        watch->note(context, all);
+    }
     if (global_opts->isopt(OPT_no_placement_optimization)) {
         order_carriers(main);
         order_runs_before_loads(main);
     } else if (use_priorities && has_constraints(main)) {
-        order_by_graph(main, context);
+        order_by_graph(main, context, watch != nullptr && watch->may_stand());
     }
 
     list.clear();
@@ -144,44 +151,34 @@ void sort_worklist(LOCATOR_LIST& list, bool use_priorities) {
     warn_of_priorities_not_honored(list);
 }
 
-/// False if the order rests on more than ranges and sizes.
-bool WORKLIST_KEYS::key_of(LOCATOR* locator, KEY& key) {
-    if (locator->has_flag(LF_SPECIFIC) || locator->is_virtual()) return true; // by the bucket
-    if (!locator->has_flag(LF_RANGES | LF_ATTRS) || locator->is_complete()) return false;
-    if (memory_map->size() > 64) return false;
-    key.size = locator->object()->size();
-    uint64_t bit = 1;
-    uint64_t room = 0;
-    for (MEMORY_RANGE* range : *memory_map) {
-        if (locator->can_use_range(range)) {
-            key.ranges |= bit;
-            room += range->unused();
+void ORDER_WATCH::note(const ORDER_CONTEXT& context, const std::vector<ORDER_KEY>& keys) {
+    constexpr uint32_t NOBODY = ~0U;
+    const std::vector<MEMORY_RANGE*>& ranges = context.ranges();
+    std::vector<uint32_t> user(ranges.size(), NOBODY); // the one set that each range is in
+    may_stand_ = true;
+    map_size_ = memory_map->size();
+    loads_.clear();
+    needs_.clear();
+    for (MEMORY_RANGE* range : ranges) needs_.push_back({range, 0});
+    for (const ORDER_KEY& key : keys) {
+        if (key.locator->is_load()) loads_.push_back(key.locator->object());
+        if (key.locator->has_flag(LF_SPECIFIC | LF_VIRTUAL)) continue;
+        for (uint32_t i : context.ranges_of(key)) {
+            if (user[i] != NOBODY && user[i] != key.use_set) may_stand_ = false;
+            user[i] = key.use_set;
+            needs_[i].size = std::max(needs_[i].size, key.size);
         }
-        bit <<= 1;
     }
-    return key.size <= room;
+    std::erase_if(needs_, [](const NEED& need) { return need.size == 0; });
 }
 
-void WORKLIST_KEYS::note(const LOCATOR_LIST& list) {
-    keys_.clear();
-    for (LOCATOR* locator : list) {
-        KEY key{};
-        if (key_of(locator, key)) keys_[locator] = key;
-    }
-}
-
-bool WORKLIST_KEYS::order_may_change(const LOCATOR* placed, const LOCATOR_LIST& rest) {
-    if (placed->is_run()) return true; // its load placement may go first now
-    std::vector<uint64_t> sets;
-    for (LOCATOR* locator : rest) {
-        auto before = keys_.find(locator);
-        KEY key{};
-        if (before == keys_.end() || !key_of(locator, key)) return true;
-        if (key.ranges != before->second.ranges || key.size != before->second.size) return true;
-        if (std::find(sets.begin(), sets.end(), key.ranges) != sets.end()) continue;
-        for (uint64_t set : sets)
-            if ((set & key.ranges) != 0) return true;
-        sets.push_back(key.ranges);
-    }
-    return false;
+bool ORDER_WATCH::stands_after(const LOCATOR* placed) const {
+    if (!may_stand_ || memory_map->size() != map_size_) return false;
+    const LINKER_OBJECT* object = placed->object();
+    if (placed->is_run() &&
+        std::any_of(loads_.begin(), loads_.end(),
+                    [object](const LINKER_OBJECT* load) { return object->contains(load); }))
+        return false;
+    return std::all_of(needs_.begin(), needs_.end(),
+                       [](const NEED& need) { return need.range->unused() >= need.size; });
 }

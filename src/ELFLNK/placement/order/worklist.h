@@ -1,31 +1,38 @@
 // The order in which locators are placed: first what can go nowhere else.
 #pragma once
 
-#include <unordered_map>
-
 #include "ELFLNK/locator/locator.h"
 
-/// Sorts a list into placement order. With use_priorities hard constraints (user priorities, run
-/// before load, competition for one range) are reconciled with the comparison by a graph.
-void sort_worklist(LOCATOR_LIST& list, bool use_priorities);
+class ORDER_CONTEXT;
+struct ORDER_KEY;
 
 /// Remembers what the order of a sorted list rests on, to tell whether another sort could change
-/// it. Among objects that can all use the same ranges the larger goes first however full those
-/// are, and between objects of disjoint ranges the order doesn't matter; so the order stands while
-/// nobody gains or loses a range and sets of ranges don't overlap in part.
-class WORKLIST_KEYS {
+/// it. Among objects that can use the same ranges the larger goes first however full those are,
+/// and between objects of disjoint ranges the order doesn't matter. So the order stands while
+/// everybody still fits where it fitted, and no run placement is done that a load placement waits
+/// for.
+class ORDER_WATCH {
   public:
-    /// The list has just been sorted.
-    void note(const LOCATOR_LIST& list);
-    /// `placed` is out of the list and in its range.
-    bool order_may_change(const LOCATOR* placed, const LOCATOR_LIST& rest);
+    /// The list has just been sorted with these keys.
+    void note(const ORDER_CONTEXT& context, const std::vector<ORDER_KEY>& keys);
+    /// `placed` is out of the list and in its range: is the list still in order?
+    bool stands_after(const LOCATOR* placed) const;
+    /// Nothing but the room in ranges can change the order that was noted.
+    bool may_stand() const { return may_stand_; }
 
   private:
-    struct KEY {
-        uint64_t ranges; ///< a bit per range of the map that can be used
-        uint64_t size;
+    struct NEED {
+        MEMORY_RANGE* range;
+        uint64_t size; ///< of the largest object that counts on the range
     };
-    static bool key_of(LOCATOR* locator, KEY& key);
-
-    std::unordered_map<const LOCATOR*, KEY> keys_;
+    bool may_stand_ = false;
+    size_t map_size_ = 0;
+    std::vector<NEED> needs_;
+    std::vector<const LINKER_OBJECT*> loads_; ///< objects whose load placement is in the list
 };
+
+/// Sorts a list into placement order. With use_priorities hard constraints (user priorities, run
+/// before load, competition for one range) are reconciled with the comparison by a graph. A watch
+/// notes the order; where it may stand, the list is the order in which objects would come out if
+/// it were sorted anew before each.
+void sort_worklist(LOCATOR_LIST& list, bool use_priorities, ORDER_WATCH* watch = nullptr);

@@ -1,4 +1,5 @@
 // The order of placement: the comparison, the buckets, and the graph of constraints.
+#include <algorithm>
 #include <random>
 
 #include "ELFLNK/placement/order/priority_dag.h"
@@ -114,7 +115,8 @@ TEST_F(ORDER_TEST, paths_are_those_that_a_search_finds) {
     for (int round = 0; round < 20; ++round) {
         constexpr uint32_t COUNT = 90;
         std::vector<ORDER_KEY> keys;
-        for (uint32_t i = 0; i < COUNT; ++i) keys.push_back(context.key_of(object("n", i)));
+        for (uint32_t i = 0; i < COUNT; ++i)
+            keys.push_back(context.key_of(object("n", i, 1, LOCATOR_KIND::RUN)));
         PLACEMENT_PRIORITY_DAG graph(context, keys);
         std::vector<std::vector<bool>> reach(COUNT, std::vector<bool>(COUNT));
         for (int i = 0; i < 300; ++i) {
@@ -133,4 +135,63 @@ TEST_F(ORDER_TEST, paths_are_those_that_a_search_finds) {
             graph.order_placement_worklist(graph.find_single_root_node());
         ASSERT_EQ(order.size(), COUNT);
     }
+}
+
+TEST_F(ORDER_TEST, the_watched_order_is_that_of_sorting_anew_before_each) {
+    add_range("A", 0, 0x100000);
+    add_range("B", 0x1000000, 0x100000);
+    std::mt19937 random(11);
+    for (int round = 0; round < 30; ++round) {
+        LOCATOR_LIST list;
+        for (int i = 0; i < 25; ++i) {
+            LOCATOR* locator = object(savestrf("o%d", i), 4 + random() % 64 * 4);
+            if (random() % 3 != 0) locator->add_ranges({random() % 2 == 0 ? "A" : "B"});
+            if (random() % 8 == 0) locator->add_priority(1 + static_cast<uint32_t>(random() % 3));
+            list.push_back(locator);
+        }
+        COLLECTION* data = collection("data", COLLECTION_GROUP, {{"x", 8 + random() % 256, 4}});
+        LOCATOR* run = locate(data, LOCATOR_KIND::RUN);
+        run->add_ranges({"B"});
+        auto* load = new LOCATOR(LOCATOR_KIND::LOAD, data);
+        load->add_ranges({"A"});
+        data->add_locator(load);
+        list.push_back(load);
+        list.push_back(run);
+        std::shuffle(list.begin(), list.end(), random);
+
+        LOCATOR_LIST watched = list;
+        ORDER_WATCH watch;
+        reported([&] { sort_worklist(watched, true, &watch); });
+        ASSERT_TRUE(watch.may_stand());
+        std::string one_by_one;
+        while (!list.empty()) {
+            reported([&] { sort_worklist(list, true); });
+            one_by_one += std::string(list.front()->object()->name()) + " ";
+            list.erase(list.begin());
+        }
+        ASSERT_EQ(names(watched), one_by_one) << round;
+    }
+}
+
+TEST_F(ORDER_TEST, the_order_no_longer_stands_when_somebody_may_lose_a_range) {
+    MEMORY_RANGE* a = add_range("A", 0, 0x100);
+    LOCATOR_LIST list;
+    for (uint64_t size : {0x60, 0x50, 0x10}) {
+        LOCATOR* locator = object("o", size);
+        locator->add_ranges({"A"});
+        list.push_back(locator);
+    }
+    ORDER_WATCH watch;
+    sort_worklist(list, true, &watch);
+    EXPECT_TRUE(watch.stands_after(list[0]));
+    ASSERT_TRUE(list[0]->insert_into_range(a));
+    EXPECT_TRUE(watch.stands_after(list[0]));
+    ASSERT_TRUE(list[1]->insert_into_range(a));
+    EXPECT_FALSE(watch.stands_after(list[1])) << "less room than the largest counted on";
+    LOCATOR* other = object("flexible", 4);
+    add_range("B", 0x1000, 0x100);
+    other->add_ranges({"A", "B"});
+    list.push_back(other);
+    sort_worklist(list, true, &watch);
+    EXPECT_FALSE(watch.may_stand()) << "sets of ranges that overlap in part";
 }
