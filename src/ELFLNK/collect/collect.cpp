@@ -142,14 +142,22 @@ void collect_by_itself(SECTION* section) {
                          section->original_section_name(), outsect->name());
 }
 
+/// The name that a section is collected by. Index entries for unwinding come one section per
+/// function and belong into one table.
+const char* collected_name(const SECTION* section) {
+    constexpr const char* INDEX_TABLE = ".ARM.exidx";
+    const char* name = section->original_section_name();
+    return std::string_view(name).starts_with(INDEX_TABLE) ? INDEX_TABLE : name;
+}
+
 void collect_sections(const std::vector<SECTION*>& sections, const SPEC_LIST& specs,
                       DEFAULT_COLLECTIONS& defaults) {
     SPEC_MATCHER matcher(specs);
     const bool combine = combine_subsections();
     for (SECTION* section : sections) {
         if (section->outsect_object() != nullptr) continue;
-        const char* name = section->original_section_name();
-        SECTION_SPEC* spec = matcher.find(section);
+        const char* name = collected_name(section);
+        SECTION_SPEC* spec = matcher.find(name, section->orig_infile());
         if (spec != nullptr && section->has_attr(PA_P3_PLACEMENT)) {
             DIAG_REPORT(elnk_force_p3obj_default_collect, name);
             spec = nullptr;

@@ -4,7 +4,6 @@
 #include <algorithm>
 
 #include "ELFLNK/filter/filter.h"
-#include "ELFLNK/object/section.h"
 #include "ELFLNK/object/section_spec.h"
 #include "ELFLNK/target/abi.h"
 #include "ELFLNK/target/target.h"
@@ -80,8 +79,4 @@ SECTION_SPEC* SPEC_MATCHER::find(const char* name, OBJ_FILE* file) {
         break;
     }
     return best == NONE ? nullptr : specs_[best];
-}
-
-SECTION_SPEC* SPEC_MATCHER::find(SECTION* section) {
-    return find(section->original_section_name(), section->orig_infile());
 }

@@ -12,7 +12,6 @@
 
 class FILTER;
 class OBJ_FILE;
-class SECTION;
 class SECTION_SPEC;
 
 class SPEC_MATCHER {
@@ -22,7 +21,6 @@ class SPEC_MATCHER {
 
     /// First specification that accepts a section of that name and file; null if none does.
     SECTION_SPEC* find(const char* name, OBJ_FILE* file);
-    SECTION_SPEC* find(SECTION* section);
 
   private:
     static constexpr uint32_t NONE = ~0U;
