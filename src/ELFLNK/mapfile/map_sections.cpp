@@ -24,6 +24,17 @@ LOCATOR* shown_locator(const LINKER_OBJECT* object) {
     return load != nullptr && load->is_placed() ? load : object->run_locator();
 }
 
+// The object found no room, by itself or with the GROUP or UNION that it was in: what is allocated
+// and yet stands in no real memory was put there after a failure.
+bool failed_to_allocate(const LINKER_OBJECT* object) {
+    for (const LOCATOR* locator : {object->run_locator(), object->load_locator()}) {
+        if (locator == nullptr) continue;
+        if (locator->placement_failed()) return true;
+        if (locator->is_virtual() && object->has_attr(PA_ALLOCATED)) return true;
+    }
+    return false;
+}
+
 bool is_shown(const LINKER_OBJECT* object) {
     bool init_table = strcmp(object->name(), Target->abi()->cinit_section_name()) == 0 ||
                       strcmp(object->name(), Target->abi()->pinit_section_name()) == 0;
@@ -110,11 +121,11 @@ class MEMBER_PRINTER {
             if (library == nullptr) {
                 mprintf("%s ", file->base_name());
             } else {
-                std::string base(fn_basename(library->name()));
+                const char* base = fn_basename(library->name());
                 if (library == library_)
-                    mprintf("%*s", static_cast<int>(base.size()), "");
+                    mprintf("%*s", static_cast<int>(strlen(base)), "");
                 else
-                    mputs(base.c_str());
+                    mputs(base);
                 mprintf(" : %s ", file->member_name());
             }
             library_ = library;
@@ -154,14 +165,13 @@ void TARGET::generate_map_scn_alloc_header() {
 // One output section; false if it has no place in memory, so that its members have none either.
 bool TARGET::map_scn_alloc_output_section(LINKER_OBJECT* object) {
     LOCATOR* run = object->run_locator();
-    LOCATOR* load = object->load_locator();
     LOCATOR* shown = shown_locator(object);
     mprintf("\n%-8s ", object->name());
     if (strlen(object->name()) >= 9) mprintf("\n%-8s ", "*");
     mprintf("  %-2d   %08lx    %08lx     ", shown->effective_page(),
             static_cast<unsigned long>(shown->address()),
             static_cast<unsigned long>(object->size()));
-    if (run->placement_failed() || (load != nullptr && load->placement_failed())) {
+    if (failed_to_allocate(object)) {
         mputs("FAILED TO ALLOCATE\n");
         return false;
     }

@@ -119,3 +119,18 @@ a.o lib.a l.cmd -o out.elf -m nowhere/out.map
 --- stderr has
 fatal error: cannot open file "nowhere/out.map":  No such file or directory
 --- no-file out.elf
+--- case no room
+--- small.cmd
+--entry_point=start
+MEMORY { FLASH : o = 0x0, l = 0x10  RAM : o = 0x20000000, l = 0x100 }
+SECTIONS { GROUP : { .text : { *(.text*) } } > FLASH   .data : {} > RAM   .bss : {} > RAM }
+--- args
+a.o lib.a small.cmd -o out.elf -m out.map
+--- exit
+1
+--- stderr has
+error: program will not fit into available memory.
+--- text out.map has
+.text      0    00000000    0000001a     FAILED TO ALLOCATE
+.bss       0    20000000    00000010     UNINITIALIZED
+--- no-file out.elf
