@@ -21,9 +21,7 @@ MEMORY_RANGE* alias_target(MEMORY_RANGE* range) {
 
 /// A range of all that lies at and above the address.
 MEMORY_RANGE* make_range_above(const char* name, int page, uint64_t addr, uint32_t attrs) {
-    auto* range = new MEMORY_RANGE(name, addr, ~addr, attrs, page);
-    memory_map->add(range);
-    return range;
+    return new MEMORY_RANGE(name, addr, ~addr, attrs, page);
 }
 
 /// A virtual range occupies no more than the object in it. A split object stands there as its
@@ -77,6 +75,7 @@ void LOCATOR::place_specific() {
     range = memory_map->lookup_by_addr(specific_, effective_page());
     if (range == nullptr) {
         DIAG_REPORT_AT(position_, elnk_place_specific_out_of_range);
+        // The range is for this object alone: in the map it would lie over ranges above it.
         range = make_range_above("DEFAULT", effective_page(), specific_, MEMORY_RANGE::ATTR_ALL);
         clear_flag(LF_SPLIT | LF_HIGHEST);
         set_flag(LF_ONE_ATTEMPT);
@@ -151,6 +150,7 @@ void LOCATOR::place_virtual(uint64_t addr) {
     if (!is_virtual()) return;
     MEMORY_RANGE* range =
         make_range_above("VIRTUAL", effective_page(), addr, MEMORY_RANGE::ATTR_HIDDEN);
+    memory_map->add(range);
     if (!has_flag(LF_SPLIT_FAILED)) clear_flag(LF_SPLIT);
     clear_flag(LF_HIGHEST);
     set_flag(LF_ONE_ATTEMPT);

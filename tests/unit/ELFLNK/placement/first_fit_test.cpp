@@ -191,12 +191,14 @@ TEST_F(FIRST_FIT_TEST, what_does_not_fit_is_reported_and_goes_into_a_virtual_ran
 
 TEST_F(FIRST_FIT_TEST, a_specific_address_outside_the_map_makes_a_range) {
     add_range("ROM", 0, 0x100);
+    add_range("HIGH", 0xF000, 0x100);
     LOCATOR* far = object("far", 0x10);
     far->add_specific(0x8000);
     std::string text = reported([&] { far->place_object(); });
     EXPECT_NE(text.find("specified address lies outside memory map"), text.npos) << text;
     EXPECT_EQ(far->address(), 0x8000U);
     EXPECT_STREQ(far->range()->name(), "DEFAULT");
+    EXPECT_EQ(DIAGNOSTIC::error_count_m, 0U) << "HIGH is not overlapped";
 }
 
 TEST_F(FIRST_FIT_TEST, a_taken_specific_address_names_what_lies_there) {
