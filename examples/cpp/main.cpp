@@ -19,6 +19,8 @@ struct Plain {
 } plain;
 } // namespace
 
+int numbers[] = {3, 14, 15, 9, 2};
+
 using constructor = void (*)();
 extern "C" constructor __init_array_start[], __init_array_end[];
 
@@ -30,7 +32,6 @@ extern "C" void start() {
         print_number(s->area());
         print("\n");
     }
-    const int numbers[] = {3, 14, 15, 9, 2};
     print("largest ");
     print_number(unsigned(largest(numbers, 5)));
     print(", largest area ");

@@ -11,14 +11,16 @@ MEMORY
     RAM   (RWX) : origin = 0x20000000, length = 256K
 }
 
+/* exit() walks a table of destructors; this program has none. */
+__fini_array_start = 0;
+__fini_array_end = 0;
+
 SECTIONS
 {
     .isr_vector : { *(.isr_vector) } > 0x00000000
     .text       : { *(.text*) }      > FLASH
     .rodata     : { *(.rodata*) }    > FLASH
-    .fini_array : { *(.fini_array*) } > FLASH, RUN_START(__fini_array_start), RUN_END(__fini_array_end)
-    .ARM.extab  : { *(.ARM.extab*) } > FLASH
-    .ARM.exidx  : { *(.ARM.exidx*) } > FLASH, RUN_START(__exidx_start), RUN_END(__exidx_end)
+    .ARM.exidx  : {} > FLASH        /* the linker collects this one by itself */
 
     .data       : { *(.data*) } LOAD > FLASH, RUN > RAM,
                   LOAD_START(__data_load), RUN_START(__data_start), SIZE(__data_size)

@@ -38,5 +38,5 @@ SECTIONS
 
     .top        : { *(.top) } > RAM (HIGH), RUN_END(__top_end)
     .noinit     : { *(.noinit) } > RAM, TYPE = NOINIT
-    .stack      : > RAM (HIGH)
+    .stack      : > RAM
 }

@@ -13,6 +13,9 @@ extern char __first_load[], __first_start[], __first_size[];
 extern char __second_load[], __second_start[], __second_size[];
 extern char __top_end[];
 
+unsigned base = 100; /* in .data */
+unsigned shown;      /* in .bss */
+
 IN(".noinit") unsigned survivor;
 IN(".top") unsigned top_words[4];
 
@@ -20,8 +23,8 @@ IN(".text.bank2") unsigned in_bank2(unsigned x) { return x * 3 + 1; }
 
 IN(".ramcode") unsigned in_ram(unsigned x) { return x ^ 0x5a; }
 
-IN(".overlay.first") unsigned first(unsigned x) { return x + 100; }
-IN(".overlay.second") unsigned second(unsigned x) { return x + 200; }
+IN(".overlay.first") unsigned first(unsigned x) { return x + base; }
+IN(".overlay.second") unsigned second(unsigned x) { return x + 2 * base; }
 
 static void copy(char *to, const char *from, const char *size) {
     for (size_t n = (size_t)size; n; n--) *to++ = *from++;
@@ -45,6 +48,7 @@ static void show(const char *name, function f, unsigned x) {
     print(": ");
     print_number(call(f, x));
     print("\n");
+    shown++;
 }
 
 static unsigned in_bank1(unsigned x) { return x + 1; }
@@ -64,6 +68,8 @@ void start(void) {
 
     for (unsigned i = 0; i < 4; i++) top_words[i] = i;
     print(__top_end == (char *)0x20010000 ? "top data ends at the end of RAM\n" : "top data lies elsewhere\n");
+    print_number(shown);
+    print(" functions shown\n");
     survivor++;
     leave(0);
 }
