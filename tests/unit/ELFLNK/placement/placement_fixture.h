@@ -15,6 +15,7 @@
 #include "ELFLNK/object/space.h"
 #include "ELFLNK/placement/order/worklist.h"
 #include "ELFLNK/placement/placement.h"
+#include "ELFLNK/target/target.h"
 #include "OPTIONGEN/option_obj.h"
 #include "UTIL/savestr.h"
 
@@ -31,7 +32,8 @@ class SIZED : public SPACE {
 class PLACEMENT_TEST : public testing::Test {
   protected:
     PLACEMENT_TEST() {
-        if (global_opts == nullptr) global_opts = new option_obj(true);
+        global_opts = new option_obj(true);
+        Target->finalize_options();
     }
     static MEMORY_RANGE* add_range(const char* name, uint64_t origin, uint64_t length,
                                    uint32_t attrs = MEMORY_RANGE::ATTR_ALL) {
