@@ -17,6 +17,7 @@
 #include "OBJEDIT04/machine/arm_machine_db.h"
 #include "OBJEDIT04/ofe/object_file.h"
 #include "OBJEDIT04/ofe/of_section.h"
+#include "OBJEDIT04/ofe/of_section_table.h"
 #include "OBJEDIT04/ofe/of_symbol.h"
 #include "OBJEDIT04/ofe/of_symbol_table.h"
 #include "OPTIONGEN/option_obj.h"
@@ -178,11 +179,13 @@ void ARM_EABI::update_output_symbols() {
 
 uint64_t ARM_EABI::entry_point_value(uint64_t address) const {
     if ((address & THUMB_BIT) != 0) return address;
-    const MEMORY_RANGE* range = memory_map->lookup_by_addr(address, 0);
-    const LOCATOR* locator = range != nullptr ? range->leaf_locator_for_address(address) : nullptr;
-    SECTION* section = locator != nullptr ? as_section(locator->object()) : nullptr;
-    if (section == nullptr || section->OF_SECTION_api() == nullptr) return address;
-    return is_thumb_code(section->OF_SECTION_api(), address - section->run_address())
+    OFE::OBJECT_FILE* out = output_OF_FILE();
+    ARM_MACHINE_DB* machine = ARM_MACHINE_DB::of(out);
+    auto place = static_cast<unsigned>(address);
+    OFE::OF_SECTION* section =
+        machine != nullptr ? out->section_table()->section_addr(place, 0) : nullptr;
+    if (section == nullptr) return address;
+    return machine->section_mode_addr(section, place) == OFE::ARM_TYPES::SM_THUMB
                ? address | THUMB_BIT
                : address;
 }
