@@ -5,7 +5,7 @@
 // loaded elsewhere, in the worklist of its phase; wishes that conflict are gone, with a warning.
 #include "DIAG/elnk_msgs.h"
 #include "DIAG/source_position.h"
-#include "ELFLNK/memmap/memory_map.h"
+#include "ELFLNK/build/link_kind.h"
 #include "ELFLNK/object/collection.h"
 #include "ELFLNK/object/section.h"
 #include "ELFLNK/placement/placement.h"
@@ -34,14 +34,11 @@ LOCATOR* with_wishes(LOCATOR* locator) {
     return locator != nullptr && locator->placement_specified() ? locator : nullptr;
 }
 
-bool is_partial_link() {
-    return global_opts->isopt(OPT_relocatable) && !global_opts->isopt(OPT_absolute_exe);
-}
-
 /// Kinds of output whose placement is not the user's business.
 bool default_placement_is_expected() {
-    return global_opts->isopt(OPT_shared) || global_opts->getargcount(OPT_dynamic) != 0 ||
-           global_opts->isopt(OPT_sysv) || global_opts->isopt(OPT_rom) || is_partial_link();
+    bool relocatable =
+        global_opts->isopt(OPT_relocatable) && !global_opts->isopt(OPT_absolute_exe);
+    return is_dynamic_output() || global_opts->isopt(OPT_rom) || relocatable;
 }
 
 void warn_of_default_placement(LINKER_OBJECT* object) {
