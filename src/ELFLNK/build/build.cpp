@@ -21,6 +21,7 @@
 #include "OBJEDIT04/ofe/of_section.h"
 #include "OBJEDIT04/ofe/of_section_table.h"
 #include "OBJEDIT04/ofe/of_symbol.h"
+#include "OBJEDIT04/ofe/of_symbol_table.h"
 #include "OPTIONGEN/option_obj.h"
 #include "UTIL/trace.h"
 
@@ -116,6 +117,13 @@ OF_GROUP_TABLE* new_output_group(OF_GROUP_TABLE* input) {
         OF_SYMBOL* final = symbol->resolved_by_final();
         if (final->ofile() != output_OF_FILE())
             if (OF_SYMBOL* copied = output_of_local(symbol->ofile(), symbol->id())) final = copied;
+        // A signature that stands in the group section itself is in no section of the link.
+        if (final->ofile() != output_OF_FILE()) {
+            final = output_OF_FILE()->symbol_table()->new_symbol();
+            final->set_name_view(input->signature_name());
+            final->set_section(group->section_api());
+            final->set_binding(OF_SYM_BINDING_LOCAL);
+        }
         group->set_symbol(final);
     }
     return group;

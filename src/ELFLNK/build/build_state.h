@@ -47,4 +47,3 @@ void create_program_headers();
 // Stores a value in a symbol of the output: relative to its section where the file's values are.
 void store_symbol_value(OFE::OF_SYMBOL* symbol, OFE::OF_SECTION* section, uint64_t value,
                         bool final);
-
