@@ -58,7 +58,7 @@ def parse(path):
     sentence, parts = [], []
     for number, line in enumerate(path.read_text().splitlines(), 1):
         if line.startswith("--- "):
-            parts.append((shlex.split(line[4:]), [], number))
+            parts.append(([*line[4:].split()] if line.startswith("--- case ") else shlex.split(line[4:]), [], number))
         elif parts:
             parts[-1][1].append(line)
         else:

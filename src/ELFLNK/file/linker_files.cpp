@@ -117,6 +117,11 @@ void ofile_error_handler(OFE::OBJECT_FILE* object, OFE::OF_ERROR_CODE code, cons
     case OFE::OF_ERROR_TRUNCATED:
         messages->warning(0u, "%s: %s", file, text);
         break;
+    case OFE::OF_ERROR_FORMAT:
+    case OFE::OF_ERROR_CORRUPT:
+        // What a damaged file makes the reader say is the file's fault, not one of the linker.
+        messages->fatal("%s: %s:  %s", file, what, text);
+        break;
     default:
         messages->die("ofile_error_handler()", "%s: %s:  %s", file, what, text);
         break;

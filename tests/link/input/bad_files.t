@@ -32,18 +32,18 @@ a.o noise.bin ok.cmd -o out.elf
 fatal error: unrecognized file:  "noise.bin"
 --- case bytes above 127
 --- args
-a.o high.bin ok.cmd -o out.elf --display_error_number
+--display_error_number a.o high.bin ok.cmd -o out.elf
 --- stderr
 fatal error #10004: unrecognized file:  "high.bin"
 --- case a file that is not there
 --- args
-a.o nowhere.o ok.cmd -o out.elf --display_error_number
+--display_error_number a.o nowhere.o ok.cmd -o out.elf
 --- stderr has
 error #10008-D: cannot find file "nowhere.o"
 error #10010: errors encountered during linking; "out.elf" not built
 --- case a pattern that matches nothing
 --- args
-a.o nope*.o ok.cmd -o out.elf --display_error_number
+--display_error_number a.o nope*.o ok.cmd -o out.elf
 --- exit
 0
 --- stderr has
@@ -106,7 +106,8 @@ a.o stray.cmd -o out.elf --entry_point=_start
 error: errors encountered during linking; "out.elf" not built
 --- case a command file that ends too early
 --- early.cmd
-MEMORY { M : origin = 0x1000, length = 0x1000
+MEMORY { M : origin = 0x1000, length = 0x1000 }
+SECTIONS { .text : {
 --- args
 a.o early.cmd -o out.elf --entry_point=_start
 --- stderr re
