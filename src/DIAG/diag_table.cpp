@@ -71,10 +71,10 @@ constexpr bool codes_fit(const int (&codes)[N], CODE_RANGE range) {
 }
 
 /// True if every text consists of words and known conversions.
-template <size_t N>
-constexpr bool texts_parse(const char* const (&texts)[N]) {
-    for (const char* text : texts)
-        if (!conversions(text).valid) return false;
+template <class ROWS>
+constexpr bool texts_parse() {
+    for (unsigned row = 0; row < ROWS::COUNT; row++)
+        if (!conversions(ROWS::texts[row], ROWS::verbose_texts[row]).valid) return false;
     return true;
 }
 
@@ -104,13 +104,13 @@ constexpr int misc_codes[] = {
 #undef DIAG_MSG
 #undef DIAG_MSGV
 
-static_assert(codes_fit(gen_codes, {6000, 6007}) && texts_parse(GEN_ROWS::texts));
-static_assert(codes_fit(elnk_codes, {10000, 10457}) && texts_parse(ELNK_ROWS::texts));
-static_assert(codes_fit(fcompat_codes, {16000, 16041}) && texts_parse(FCOMPAT_ROWS::texts));
-static_assert(codes_fit(releng_codes, {17000, 17012}) && texts_parse(RELENG_ROWS::texts));
-static_assert(codes_fit(cpp_codes, {19000, 19041}) && texts_parse(CPP_ROWS::texts));
-static_assert(codes_fit(optgen_codes, {24000, 24044}) && texts_parse(OPTGEN_ROWS::texts));
-static_assert(codes_fit(misc_codes, {99900, 99927}) && texts_parse(MISC_ROWS::texts));
+static_assert(codes_fit(gen_codes, {6000, 6007}) && texts_parse<GEN_ROWS>());
+static_assert(codes_fit(elnk_codes, {10000, 10457}) && texts_parse<ELNK_ROWS>());
+static_assert(codes_fit(fcompat_codes, {16000, 16041}) && texts_parse<FCOMPAT_ROWS>());
+static_assert(codes_fit(releng_codes, {17000, 17012}) && texts_parse<RELENG_ROWS>());
+static_assert(codes_fit(cpp_codes, {19000, 19041}) && texts_parse<CPP_ROWS>());
+static_assert(codes_fit(optgen_codes, {24000, 24044}) && texts_parse<OPTGEN_ROWS>());
+static_assert(codes_fit(misc_codes, {99900, 99927}) && texts_parse<MISC_ROWS>());
 
 } // namespace
 

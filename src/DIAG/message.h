@@ -28,9 +28,8 @@ struct CONVERSIONS {
     bool valid = true;
 };
 
-/// The conversions of a printf-style text, in order.
-constexpr CONVERSIONS conversions(std::string_view text) {
-    CONVERSIONS found;
+/// Appends the conversions of a printf-style text, in order.
+constexpr void add_conversions(CONVERSIONS& found, std::string_view text) {
     for (size_t i = 0; i < text.size(); i++) {
         if (text[i] != '%') continue;
         if (i + 1 < text.size() && text[i + 1] == '%') {
@@ -47,10 +46,17 @@ constexpr CONVERSIONS conversions(std::string_view text) {
             kind = CONVERSION::INTEGER;
         if (kind == CONVERSION::INVALID || found.count == CONVERSIONS::MAX) {
             found.valid = false;
-            return found;
+            return;
         }
         found.kind[found.count++] = kind;
     }
+}
+
+/// The conversions of a message: those of its text, then those of its verbose text.
+constexpr CONVERSIONS conversions(std::string_view text, std::string_view verbose) {
+    CONVERSIONS found;
+    add_conversions(found, text);
+    add_conversions(found, verbose);
     return found;
 }
 
@@ -63,7 +69,7 @@ concept INTEGER_ARGUMENT = (std::is_integral_v<T> || std::is_enum_v<T>)&&!std::i
 /// True if arguments of the types A are what the text of a row asks for.
 template <class ROWS, unsigned ROW, class... A>
 constexpr bool takes() {
-    constexpr CONVERSIONS wanted = conversions(ROWS::texts[ROW]);
+    constexpr CONVERSIONS wanted = conversions(ROWS::texts[ROW], ROWS::verbose_texts[ROW]);
     if (!wanted.valid || wanted.count != sizeof...(A)) return false;
     unsigned i = 0;
     return ((wanted.kind[i++] == CONVERSION::STRING ? STRING_ARGUMENT<std::decay_t<A>>

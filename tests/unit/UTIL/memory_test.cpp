@@ -11,6 +11,7 @@
 #include <set>
 #include <string>
 #include <unordered_set>
+#include <vector>
 
 namespace {
 
@@ -32,10 +33,13 @@ TEST(Oalloc, a_deleted_object_is_given_out_next) {
 }
 
 TEST(Oalloc, the_pool_starts_with_32_objects_and_about_doubles) {
-    for (int i = 0; i < 32; i++) new POOLED;
+    std::vector<POOLED*> objects;
+    for (int i = 0; i < 32; i++) objects.push_back(new POOLED);
     EXPECT_EQ(POOLED::pool_size(), 32 * sizeof(POOLED));
-    new POOLED;
+    objects.push_back(new POOLED);
     EXPECT_EQ(POOLED::pool_size(), (32 + 33) * sizeof(POOLED));
+    for (POOLED* object : objects) delete object;
+    EXPECT_EQ(POOLED::live_count(), 0);
 }
 
 TEST(Oalloc, a_derived_class_of_another_size_is_no_pool_object) {
