@@ -3,6 +3,7 @@
 #include "ELFLNK/expr/expr_mgr.h"
 
 #include <algorithm>
+#include <functional>
 #include <string_view>
 #include <unordered_map>
 
@@ -139,36 +140,74 @@ void EXPR_MGR::check_for_redefs(bool sort) {
     }
 }
 
-// Forward references resolve in as many passes as the chain of assignments is long. A pass in which
-// nothing settled is followed by one last, which says what is wrong with the rest.
+// Forward references resolve in as many passes as the chain of assignments is long; when nothing
+// settles any more, a last pass says what is wrong with the rest.
 void EXPR_MGR::evaluate_all_sym_assignments(bool report) {
     if (assignments_.empty()) return;
     sort_assignments();
     check_for_redefs(false);
-    EXPRESSION::suppress_order_of_eval_errors_m = true;
-    bool first = true;
-    bool last = false;
-    do {
-        size_t before = assignments_.size();
-        evaluate_pass(first, report);
-        first = false;
-        if (last) break;
-        last = assignments_.size() == before;
-        if (last) EXPRESSION::suppress_order_of_eval_errors_m = false;
-    } while (!assignments_.empty());
-    EXPRESSION::suppress_order_of_eval_errors_m = false;
-}
-
-void EXPR_MGR::evaluate_pass(bool first, bool report) {
     in_pass_ = true;
-    for (size_t i = 0; i < assignments_.size(); ++i) {
-        EXPRESSION* expr = assignments_[i].expr;
-        if (assignments_[i].removed) continue;
-        if (first || expr->reevaluation_required()) evaluate(expr, assignments_[i].object, report);
-        if (is_settled(expr)) assignments_[i].removed = true;
-    }
+    EXPRESSION::suppress_order_of_eval_errors_m = true;
+    evaluate_until_settled(report);
+    EXPRESSION::suppress_order_of_eval_errors_m = false;
+    for (size_t i = 0; i < assignments_.size(); ++i)
+        if (!assignments_[i].removed && assignments_[i].expr->reevaluation_required())
+            evaluate_one(i, report);
     in_pass_ = false;
     std::erase_if(assignments_, is_done);
+}
+
+// The passes. In the first one every assignment is evaluated, in the later ones those that wait;
+// but as only the name that an assignment settles can help another one, a pass visits just those
+// that refer to it: behind the assignment in the same pass, in front of it in the next.
+void EXPR_MGR::evaluate_until_settled(bool report) {
+    std::unordered_map<std::string, std::vector<size_t>> waiting;
+    for (size_t i = 0; i < assignments_.size(); ++i) {
+        std::set<std::string> names;
+        assignments_[i].expr->get_expr_refs(names);
+        for (const std::string& name : names) waiting[name].push_back(i);
+    }
+    static const std::vector<size_t> nobody;
+    auto users_of = [&](size_t i) -> const std::vector<size_t>& {
+        auto found = waiting.find(assigned_name(assignments_[i].expr));
+        return found != waiting.end() ? found->second : nobody;
+    };
+    std::vector<size_t> pass; // from the second pass on a heap, lowest index first
+    std::vector<size_t> next;
+    for (size_t i = 0; i < assignments_.size(); ++i) {
+        if (!evaluate_one(i, report)) continue;
+        for (size_t user : users_of(i))
+            if (user < i) next.push_back(user);
+    }
+    while (!next.empty()) {
+        pass.swap(next);
+        std::make_heap(pass.begin(), pass.end(), std::greater<>());
+        while (!pass.empty()) {
+            std::pop_heap(pass.begin(), pass.end(), std::greater<>());
+            size_t i = pass.back();
+            pass.pop_back();
+            if (!assignments_[i].expr->reevaluation_required() || !evaluate_one(i, report))
+                continue;
+            for (size_t user : users_of(i)) {
+                if (user < i) {
+                    next.push_back(user);
+                } else if (user > i) {
+                    pass.push_back(user);
+                    std::push_heap(pass.begin(), pass.end(), std::greater<>());
+                }
+            }
+        }
+    }
+}
+
+// True if the assignment is settled and leaves the list.
+bool EXPR_MGR::evaluate_one(size_t i, bool report) {
+    if (assignments_[i].removed) return false;
+    EXPRESSION* expr = assignments_[i].expr;
+    evaluate(expr, assignments_[i].object, report);
+    bool settled = is_settled(expr);
+    if (settled) assignments_[i].removed = true;
+    return settled;
 }
 
 int64_t EXPR_MGR::evaluate(EXPRESSION* expr, LINKER_OBJECT* object, bool report) {

@@ -3,6 +3,7 @@
 // that come later.
 #pragma once
 
+#include <cstddef>
 #include <set>
 #include <string>
 #include <string_view>
@@ -51,7 +52,8 @@ class EXPR_MGR {
 
   private:
     void create_sym_for_assign(OBJREL_ASG& asg);
-    void evaluate_pass(bool first, bool report);
+    void evaluate_until_settled(bool report);
+    bool evaluate_one(std::size_t i, bool report);
     void sort_assignments();
 
     std::vector<OBJREL_ASG> assignments_;

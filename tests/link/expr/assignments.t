@@ -104,3 +104,15 @@ a.o base.cmd l.cmd -o out.elf
 --- stderr has
 "l.cmd", line 1: error: MEM_SIZE(NIX,0) has either invalid memory range or
 --- no-file out.elf
+--- case chains in any order
+--- l.cmd
+chosen = e; b = c; e = d + b; c = 1; d = b + c; f = f2 + e; f2 = chosen * 2;
+--- args
+a.o base.cmd l.cmd -o out.elf
+--- sym
+b 1
+d 2
+e 3
+chosen 3
+f2 6
+f 9
