@@ -2,6 +2,8 @@
 #include "ELFLNK/collect/spec_matcher.h"
 
 #include <algorithm>
+#include <map>
+#include <tuple>
 
 #include "ELFLNK/filter/filter.h"
 #include "ELFLNK/object/section_spec.h"
@@ -10,6 +12,7 @@
 
 SPEC_MATCHER::SPEC_MATCHER(const std::vector<SECTION_SPEC*>& specs)
     : specs_(specs), delimiters_(Target->abi()->legal_subsection_delimiters()) {
+    group_by_files();
     for (uint32_t i = 0; i < specs.size(); ++i) {
         if (specs[i]->section_filter() != nullptr)
             index_filter(specs[i]->section_filter(), i);
@@ -18,6 +21,25 @@ SPEC_MATCHER::SPEC_MATCHER(const std::vector<SECTION_SPEC*>& specs)
     }
     std::sort(tried_.begin(), tried_.end());
     tried_.erase(std::unique(tried_.begin(), tried_.end()), tried_.end());
+}
+
+void SPEC_MATCHER::group_by_files() {
+    auto text = [](const FILTER* filter) {
+        const bool plain = filter != nullptr && filter->get_pattern() != nullptr;
+        return std::string_view(plain ? filter->get_pattern() : "");
+    };
+    using FILES = std::tuple<const INPUT_FILE*, std::string_view, std::string_view>;
+    std::map<FILES, uint32_t> classes;
+    for (uint32_t i = 0; i < specs_.size(); ++i) {
+        const SECTION_SPEC* spec = specs_[i];
+        const FILES files{spec->exact_file(), text(spec->file_filter()),
+                          text(spec->member_filter())};
+        const auto next = static_cast<uint32_t>(first_of_class_.size());
+        const auto entry = classes.emplace(files, next).first;
+        if (entry->second == next) first_of_class_.push_back(i);
+        class_of_.push_back(entry->second);
+    }
+    class_takes_file_.assign(first_of_class_.size(), 0);
 }
 
 void SPEC_MATCHER::index_filter(const FILTER* filter, uint32_t spec) {
@@ -38,11 +60,11 @@ void SPEC_MATCHER::enter_file(OBJ_FILE* file) {
     if (generation_ != 0 && file == file_) return;
     file_ = file;
     ++generation_;
-    takes_file_.assign(specs_.size(), 0);
-    for (std::size_t i = 0; i < specs_.size(); ++i) takes_file_[i] = specs_[i]->match_file(file);
+    for (std::size_t c = 0; c < first_of_class_.size(); ++c)
+        class_takes_file_[c] = specs_[first_of_class_[c]]->match_file(file);
     tried_in_file_.clear();
     for (uint32_t i : tried_)
-        if (takes_file_[i] != 0) tried_in_file_.push_back(i);
+        if (takes_file(i)) tried_in_file_.push_back(i);
 }
 
 uint32_t SPEC_MATCHER::first_of(std::string_view literal) {
@@ -53,7 +75,7 @@ uint32_t SPEC_MATCHER::first_of(std::string_view literal) {
     entry.generation = generation_;
     entry.first = NONE;
     for (uint32_t i : entry.specs) {
-        if (takes_file_[i] == 0) continue;
+        if (!takes_file(i)) continue;
         entry.first = i;
         break;
     }

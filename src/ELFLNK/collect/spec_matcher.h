@@ -32,8 +32,10 @@ class SPEC_MATCHER {
         uint64_t generation = 0;
     };
 
+    void group_by_files();
     void index_filter(const FILTER* filter, uint32_t spec);
     void enter_file(OBJ_FILE* file);
+    bool takes_file(uint32_t spec) const { return class_takes_file_[class_of_[spec]] != 0; }
     uint32_t first_literal(std::string_view name);
     uint32_t first_of(std::string_view literal);
 
@@ -44,6 +46,9 @@ class SPEC_MATCHER {
 
     OBJ_FILE* file_ = nullptr;
     uint64_t generation_ = 0; // counts the changes of file_
-    std::vector<char> takes_file_;
+    // Specifications that name the same files are one class, settled by its first one.
+    std::vector<uint32_t> class_of_;
+    std::vector<uint32_t> first_of_class_;
+    std::vector<char> class_takes_file_;
     std::vector<uint32_t> tried_in_file_;
 };
