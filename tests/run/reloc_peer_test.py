@@ -5,6 +5,7 @@ Each row of CASES is a piece of assembly that ends up in the section .src. The t
 addresses that both linkers are told. Every row is linked with addends from ADDENDS in turn, in both byte orders.
 """
 import argparse
+import struct
 import subprocess
 import sys
 from pathlib import Path
@@ -41,10 +42,15 @@ CASES = {
     "halfwords and bytes": (V7, ".arm\n .hword small + 1, small\n .byte small + 1, small, 7, 9"),
     "V4BX": ("-march=armv4t --fix-v4bx", ".arm\n bx lr\n bxeq r3"),
     "NONE": (V7, ".arm\n .reloc ., R_ARM_NONE, dat\n .word 0x12345678"),
-    "weak and undefined": (V7, ".arm\n .weak weak\n .word weak{a}\n bl weak\n b weak\n movw r0, #:lower16:weak\n .thumb\n bl weak\n b.w weak"),
+    "weak and undefined": (V7, ".arm\n .weak weak\n .word weak{a}\n movw r0, #:lower16:weak\n movt r0, #:upper16:weak"),
+    "calls of what is weak and undefined": (V7, ".arm\n .weak weak\n bl weak\n b weak\n .thumb\n bl weak\n b.w weak"),
 }
-# The differences that are meant, each with its reason.
-INTENDED = {}
+# The differences that are meant: what qvlink writes instead, in little-endian words and halfwords, and why.
+INTENDED = {
+    # A call of nothing becomes a move of r0 to itself in ARM state and two short NOPs in Thumb state, where GNU ld takes
+    # the hint instructions that only the newer architectures have.
+    "calls of what is weak and undefined": "<IIHHHH 0xe1a00000 0xe1a00000 0xbf00 0xbf00 0xbf00 0xbf00",
+}
 ADDENDS = ["", "+4", "-8", "+0x1234"]
 
 SOURCE = """    .syntax unified
@@ -102,9 +108,12 @@ def check(name, options, code, big, opts):
     status, text = tool(opts.qvlink, work / "a.o", work / "link.cmd", *(["--be32"] if big else []), "-o", work / "out.elf")
     if status or text:
         return f"status {status}\n{text}"
-    ours, theirs = (Elf(work / f).section(".src") for f in ("out.elf", "peer.elf"))
-    if ours.data != theirs.data:
-        return f"qvlink {ours.data.hex(' ', 4)}\nGNU ld {theirs.data.hex(' ', 4)}"
+    ours, theirs = (Elf(work / f).section(".src").data for f in ("out.elf", "peer.elf"))
+    if name in INTENDED:
+        form, *values = INTENDED[name].split()
+        theirs = struct.pack(form.replace("<", ">") if big else form, *(int(v, 16) for v in values))
+    if ours != theirs:
+        return f"qvlink {ours.hex(' ', 4)}\nexpect {theirs.hex(' ', 4)}"
     return None
 
 
@@ -125,10 +134,9 @@ def main():
             for big in (False, True):
                 links += 1
                 wrong = check(name, options, code.format(a=addend), big, opts)
-                expected = (name, addend) in INTENDED or name in INTENDED
-                if bool(wrong) != expected:
+                if wrong:
                     failures += 1
-                    print(f"{name} {addend or '+0'} {'big' if big else 'little'}: {wrong or 'no difference any more'}")
+                    print(f"{name} {addend or '+0'} {'big' if big else 'little'}: {wrong}")
     print(f"{links} links, {failures} failures")
     return 1 if failures or not links else 0
 
