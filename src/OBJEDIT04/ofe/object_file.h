@@ -148,6 +148,7 @@ class OBJECT_FILE : public OF_STATE_MACHINE {
     friend OBJECT_FILE* new_OBJECT_FILE(OF_FILE_HANDLE, OF_ERROR_HANDLER);
     bool symbol_exists(const char* name);
     int prepare_output();
+    int flush_output();
     void unmap_output();
 
     OF_ERROR_HANDLER handler_;

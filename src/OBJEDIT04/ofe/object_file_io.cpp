@@ -278,6 +278,7 @@ int OBJECT_FILE::save(OF_FILE_HANDLE handle) {
     if (result == 0) {
         zero_init_ = true;
         result = set_state(OF_STATE_SAVED);
+        if (result == 0) result = flush_output();
     }
     if (previous && previous != handle_.file) {
         fhm_close(previous);
@@ -311,6 +312,14 @@ int OBJECT_FILE::prepare_output() {
     output_map_ = static_cast<uint8_t*>(map);
     output_map_size_ = static_cast<size_t>(end);
     return 0;
+}
+
+// What was written in pieces is with the system, or the failure is known now.
+int OBJECT_FILE::flush_output() {
+    FILE* fp = output_map_ ? nullptr : handle_.file->fp();
+    if (!fp || std::fflush(fp) == 0) return 0;
+    set_error(OF_ERROR_ACCESS, "cannot write: %s", std::strerror(errno));
+    return -1;
 }
 
 void OBJECT_FILE::unmap_output() {

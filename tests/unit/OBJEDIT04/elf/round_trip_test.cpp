@@ -170,7 +170,8 @@ TEST(elf_delete, a_deleted_section_takes_its_relocations_and_leaves_a_placeholde
     FILE_PTR g = read_file(saved(*f));
     ASSERT_TRUE(g);
     EXPECT_EQ(g->section_table()->section_name(".data", 0), nullptr);
-    EXPECT_EQ(text_of(g->section_table()->section_name(".text.once", 0)), "once"); // at another place in the file
+    EXPECT_EQ(text_of(g->section_table()->section_name(".text.once", 0)),
+              "once"); // at another place in the file
     EXPECT_TRUE(errors.empty()) << errors[0].text;
 }
 
@@ -302,4 +303,17 @@ TEST(elf_direct, direct_writes_go_to_their_place_in_the_file) {
     BYTES b = temp.bytes();
     ASSERT_GE(b.size(), at + 16u);
     EXPECT_EQ(std::memcmp(&b[at], "\0\0\0\0abcd-\0\0\0efgh", 16), 0);
+}
+
+TEST(elf_save, a_file_that_cannot_be_mapped_is_written_in_pieces_and_a_full_one_is_reported) {
+    FILE_PTR f = sample(OF_ENDIAN_LITTLE);
+    EXPECT_EQ(f->save_obj("/dev/null"), 0);
+    EXPECT_TRUE(errors.empty());
+    FILE_PTR g = sample(OF_ENDIAN_LITTLE);
+    EXPECT_EQ(g->save_obj("/dev/full"), -1);
+    ASSERT_FALSE(errors.empty());
+    EXPECT_EQ(errors.back().code, OF_ERROR_ACCESS);
+    EXPECT_EQ(errors.back().text, "an error occurred while writing \"/dev/full\"");
+    EXPECT_EQ(g->save_obj("/nowhere/out.o"), -1);
+    EXPECT_EQ(errors.back().text, "failed to open \"/nowhere/out.o\" for writing");
 }
