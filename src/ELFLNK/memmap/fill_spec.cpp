@@ -38,10 +38,14 @@ uint32_t FILL_SPEC::bits_in_value(uint64_t value, uint32_t radix, uint32_t digit
 uint32_t FILL_SPEC::digits(uint32_t radix) const {
     if (radix == 0) radix = radix_;
     switch (radix) {
-    case 16: return divide_up(width_, 4);
-    case 8: return divide_up(width_, 3);
-    case 10: return static_cast<uint32_t>(bit_length(value_) / LOG2_OF_10);
-    default: break;
+    case 16:
+        return divide_up(width_, 4);
+    case 8:
+        return divide_up(width_, 3);
+    case 10:
+        return static_cast<uint32_t>(bit_length(value_) / LOG2_OF_10);
+    default:
+        break;
     }
     if (radix < 2) return 0;
     return divide_up(width_, bit_length(radix) - 1);
@@ -92,11 +96,11 @@ void FILL_SPEC::set_default_fill(uint64_t value, uint32_t radix, uint32_t digits
 FILL_SPEC* FILL_SPEC::get_required_fill(const COLLECTION* collection) {
     ABI* abi = Target->abi();
     return abi->fills_code_with_nops() && collection->has_attr(PA_EXEC) ? abi->get_nop_fill()
-                                                                       : nullptr;
+                                                                        : nullptr;
 }
 
 FILL_SPEC* FILL_SPEC::get_required_pad_fill(const COLLECTION* collection) {
     ABI* abi = Target->abi();
     return abi->pads_code_with_nops() && collection->has_attr(PA_EXEC) ? abi->get_nop_fill()
-                                                                      : nullptr;
+                                                                       : nullptr;
 }

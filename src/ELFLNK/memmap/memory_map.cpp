@@ -20,7 +20,8 @@ void MEMORY_MAP::check(const MEMORY_RANGE* range) const {
     if (!range->has_origin()) DIAG_REPORT_AT(pos, elnk_memrng_origin_missing, range->name());
     if (range->length() == 0) DIAG_REPORT_AT(pos, elnk_memrng_length_missing, range->name());
     for (const MEMORY_RANGE* other : *this)
-        if (other->page() == range->page() && !other->is_hidden() && same_name(other, range->name()))
+        if (other->page() == range->page() && !other->is_hidden() &&
+            same_name(other, range->name()))
             DIAG_REPORT_AT(pos, elnk_memrng_duplicate_name, range->name());
     for (const MEMORY_RANGE* other : *this)
         if (other->page() == range->page() && !other->is_hidden() &&

@@ -91,10 +91,17 @@ void MEMORY_MAP_TABLE::add_item(LOCATOR* locator) {
     std::string name = obj->name();
     if (!locator->is_virtual()) {
         switch (locator->kind()) {
-        case LOCATOR_KIND::RUN: name += " (R)"; break;
-        case LOCATOR_KIND::LOAD: name += " (L)"; break;
-        case LOCATOR_KIND::RUN_ALT: name += " (A)"; break;
-        case LOCATOR_KIND::BOTH: break;
+        case LOCATOR_KIND::RUN:
+            name += " (R)";
+            break;
+        case LOCATOR_KIND::LOAD:
+            name += " (L)";
+            break;
+        case LOCATOR_KIND::RUN_ALT:
+            name += " (A)";
+            break;
+        case LOCATOR_KIND::BOTH:
+            break;
         }
     }
     set_name_cell(name.c_str());

@@ -2,12 +2,6 @@
 // gaps of a collection. The write phase writes them like any other object.
 #pragma once
 
-#include <cstdint>
-
-namespace OFE {
-class OF_SECTION;
-} // namespace OFE
-class FILL_SPEC;
 class LINKER_OBJECT;
 
 /// Last step of placement that adds objects: all addresses are known.

@@ -5,7 +5,6 @@
 
 #include <vector>
 
-
 #include "ELFLNK/locator/locator.h"
 #include "ELFLNK/object/root_collection.h"
 #include "ELFLNK/object/space.h"
