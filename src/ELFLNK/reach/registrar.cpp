@@ -71,28 +71,54 @@ REGISTRAR::TARGET_REF REGISTRAR::target_of_symbol(OF_SYMBOL* sym) {
     return target;
 }
 
-REGISTRAR::TARGET_REF REGISTRAR::target_of(FILE_STATE& file, unsigned sym_id) {
+const REGISTRAR::TARGET_REF& REGISTRAR::target_of(FILE_STATE& file, unsigned sym_id) {
     const uint32_t name = file.names ? file.names->name_id(sym_id) : NAME_TABLE::NO_NAME;
-    OF_SYMBOL* loaded = file.symbols->loaded_symbol(sym_id);
-    if (name != NAME_TABLE::NO_NAME) {
-        // What a mapped name leads to depends on the file.
-        if (global_symbols.mapped_id(name) != name)
-            return target_of_symbol(resolve_symbol(file.object, sym_id));
-        TARGET_REF& known = name_targets_[name];
-        if (!known.is_known) known = target_of_symbol(resolve_symbol(file.object, sym_id));
-        return known;
-    }
-    if (loaded) return target_of_symbol(SYMBOL_TABLE::resolution(loaded));
+    if (name == NAME_TABLE::NO_NAME) return local_target_of(file, sym_id);
+    // A definition that lost stands in the chain of the name's winner like every reference. Only
+    // what a mapped name leads to depends on the file.
+    if (global_symbols.mapped_id(name) != name)
+        return scratch_ = target_of_symbol(resolve_symbol(file.object, sym_id));
+    TARGET_REF& known = name_targets_[name];
+    if (!known.is_known) known = target_of_symbol(resolve_symbol(file.object, sym_id));
+    return known;
+}
+
+// A symbol that is no global of a scanned file: mostly a local one without an object.
+const REGISTRAR::TARGET_REF& REGISTRAR::local_target_of(FILE_STATE& file, unsigned sym_id) {
+    scratch_ = TARGET_REF();
+    if (OF_SYMBOL* loaded = file.symbols->loaded_symbol(sym_id))
+        return scratch_ = target_of_symbol(SYMBOL_TABLE::resolution(loaded));
     OF_RAW_SYMBOL raw;
-    TARGET_REF target;
-    if (!file.symbols->raw_symbol(sym_id, raw)) return target;
-    target.file = &file;
-    target.kind = raw.kind;
+    if (!file.symbols->raw_symbol(sym_id, raw)) return scratch_;
+    scratch_.file = &file;
+    scratch_.kind = raw.kind;
     if (raw.section_id != OF_RAW_SYMBOL::NO_SECTION && raw.section_id < file.bits.size())
-        target.section_id = raw.section_id;
+        scratch_.section_id = raw.section_id;
     else if (raw.kind == OFE::OF_SYM_KIND_ABSOLUTE || raw.kind == OFE::OF_SYM_KIND_COMMON)
-        target.sym = file.symbols->symbol(sym_id);
-    return target;
+        scratch_.sym = file.symbols->symbol(sym_id);
+    return scratch_;
+}
+
+// Most relocations lead to a section that is registered already, and need no more than this.
+bool REGISTRAR::leads_to_registered_section(FILE_STATE& file, unsigned sym_id) {
+    const auto is_settled = [](uint8_t bits) {
+        return (bits & (REGISTERED | OMDATA)) == REGISTERED;
+    };
+    const uint32_t name = file.names ? file.names->name_id(sym_id) : NAME_TABLE::NO_NAME;
+    if (name != NAME_TABLE::NO_NAME) {
+        const TARGET_REF& known = name_targets_[name];
+        return known.has_section() && is_settled(known.file->bits[known.section_id]) &&
+               global_symbols.mapped_id(name) == name;
+    }
+    if (file.local_sections.empty()) file.local_sections.resize(file.symbols->first_global());
+    if (sym_id >= file.local_sections.size()) return false;
+    unsigned& section_id = file.local_sections[sym_id];
+    if (section_id == 0) { // not looked at so far
+        const TARGET_REF& target = local_target_of(file, sym_id);
+        section_id = target.file == &file && target.has_section() ? target.section_id
+                                                                  : OF_RAW_SYMBOL::NO_SECTION;
+    }
+    return section_id != OF_RAW_SYMBOL::NO_SECTION && is_settled(file.bits[section_id]);
 }
 
 // A relocation that stays in the output will ask the file for this symbol: it has to know its
@@ -125,6 +151,7 @@ void REGISTRAR::register_a_reference(const WORK& from, const char* from_name,
                                      const OF_RAW_RELOC& reloc) {
     FILE_STATE& file = *from.file;
     if (relocs_stay_) make_symbol(file, reloc.sym_id);
+    if (leads_to_registered_section(file, reloc.sym_id)) return;
     const TARGET_REF target = target_of(file, reloc.sym_id);
     if (!target.file) return;
     const bool is_debug =

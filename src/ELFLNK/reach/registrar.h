@@ -74,6 +74,8 @@ class REGISTRAR {
         bool is_linked = false;             ///< a static linking object
         bool is_executable = false;
         std::vector<uint8_t> bits; ///< SECTION_BITS by section id
+        std::vector<unsigned>
+            local_sections; ///< by local symbol: its section, 0 where not known yet
     };
     /// What a relocation leads to: a section of a file, or a symbol without one.
     struct TARGET_REF {
@@ -116,7 +118,9 @@ class REGISTRAR {
     // Relocations.
     template <class VISIT>
     void for_each_symbol_reloc(FILE_STATE& file, unsigned section_id, VISIT visit);
-    TARGET_REF target_of(FILE_STATE& file, unsigned sym_id);
+    const TARGET_REF& target_of(FILE_STATE& file, unsigned sym_id);
+    const TARGET_REF& local_target_of(FILE_STATE& file, unsigned sym_id);
+    bool leads_to_registered_section(FILE_STATE& file, unsigned sym_id);
     TARGET_REF target_of_symbol(OFE::OF_SYMBOL* sym);
 
     // The closure.
@@ -145,6 +149,7 @@ class REGISTRAR {
     std::vector<FILE_STATE*> order_;                 ///< in the file manager's order
     std::vector<std::pair<const void*, std::unique_ptr<bool[]>>> reloc_kinds_; ///< per type set
     std::vector<TARGET_REF> name_targets_; ///< by name id, where known
+    TARGET_REF scratch_;                   ///< the last answer that isn't kept
     std::vector<WORK> work_;               ///< in the order of registration
     size_t next_work_ = 0;                 ///< the first that was not walked
     std::unordered_set<const OFE::OF_SYMBOL*> symbol_objects_;
