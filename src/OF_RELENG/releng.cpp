@@ -170,9 +170,7 @@ void OF_RELENG::process_reloc(const RELOC_SITE& site) {
     if (!site.rel) return unsupported(site);
     if (!machops_ || machops_->rel_skip(site)) return;
     if (!fits(site)) {
-        section_->ofile()->set_error(OF_ERROR_CORRUPT,
-                                     "relocation at offset 0x%08x lies outside section \"%s\"",
-                                     site.offset, section_->name());
+        report_diag(site, DIAG::releng_bad_offset(__FILE__, __LINE__, relinfo(site)));
         return;
     }
     long value;

@@ -346,6 +346,35 @@ TEST_F(Releng, reports_a_type_without_support_and_leaves_its_field) {
                          "offset = 0x00000000, section = \".text\")\n");
 }
 
+TEST_F(Releng, reports_a_place_outside_the_section_and_goes_on) {
+    OF_SYMBOL* target = symbol("s", 0x9000);
+    const uint8_t zeros[6] = {};
+    text_->write_to_raw_data(zeros, sizeof zeros, 0);
+    for (unsigned offset : {3u, 6u, 0xFFFFFFFEu, 1u}) {
+        OF_RELOC* rel = text_->new_reloc(false);
+        rel->set_type(file_->reloc_type(OFR_RELLONG));
+        rel->set_scnrel_offset(offset);
+        rel->set_symbol(target);
+    }
+    char* text = nullptr;
+    size_t size = 0;
+    DIAGNOSTIC::fp_m = open_memstream(&text, &size);
+    OF_RELENG engine(text_);
+    engine.relocate(TEXT);
+    fclose(DIAGNOSTIC::fp_m);
+    DIAGNOSTIC::fp_m = nullptr;
+    std::string messages = text;
+    free(text);
+    int count = 0;
+    for (size_t at = 0; (at = messages.find("error: relocation lies outside its section", at)) !=
+                        std::string::npos;
+         ++at)
+        ++count;
+    EXPECT_EQ(count, 3) << messages;
+    EXPECT_TRUE(engine.has_error());
+    EXPECT_EQ(read_u32(text_->bytes().data + 1, false), 0x9000u);
+}
+
 TEST_F(Releng, splits_an_offset_over_a_group) {
     OF_SYMBOL* s = symbol("s", TEXT + 0x12345, OF_SYM_TYPE_OBJECT);
     EXPECT_EQ(relocate_rela(text_, OFR_ARM_ALU_PC_G0_NC, 0xE28F0000, s, 0), 0xE28F0B48u); // 0x12000
