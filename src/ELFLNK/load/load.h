@@ -3,6 +3,8 @@
 // is left out.
 #pragma once
 
+#include "ELFLNK/symbol/symbol_file.h"
+
 class ARCHIVE_FILE;
 class OBJ_FILE;
 class SECTION;
@@ -22,11 +24,5 @@ void scan_static_linking_file(OBJ_FILE* file);
 /// A new linker object for an input section, in the root collection's maps.
 SECTION* new_section(OFE::OF_SECTION* section);
 bool is_comdat_member(OFE::OF_SECTION* section, OFE::OF_GROUP_TABLE* group);
-/// The file that a symbol lies in; null when no file of the link holds it.
-OBJ_FILE* symbol_obj_file(OFE::OF_SYMBOL* symbol);
-/// The file's name for messages: its path, or archive and member; the empty text for null.
-const char* file_diag_name(const OBJ_FILE* file);
-/// The same of the file that a symbol lies in; the empty text for the linker's own files.
-const char* symbol_file_name(OFE::OF_SYMBOL* symbol);
 /// The output file exists, so format and mangling are known.
 bool default_abi_is_known();

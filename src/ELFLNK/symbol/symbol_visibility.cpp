@@ -3,7 +3,7 @@
 #include "DIAG/elnk_msgs.h"
 #include "ELFLNK/file/file_manager.h"
 #include "ELFLNK/file/obj_file.h"
-#include "ELFLNK/load/load.h"
+#include "ELFLNK/symbol/symbol_file.h"
 #include "ELFLNK/symbol/symbol_table.h"
 #include "OBJEDIT04/ofe/object_file.h"
 #include "OBJEDIT04/ofe/of_symbol.h"

@@ -52,6 +52,20 @@ a.o b.o ok.cmd -o out.elf --undef_sym=b
 error: unresolved symbols remain
 error: errors encountered during linking; "out.elf" not built
 --- no-file out.elf
+--- case a name that only the command line wants has no file
+--- args
+weak.o ok.cmd -o out.elf --undef_sym=ghost
+--- exit
+1
+--- stderr
+
+ undefined first referenced
+  symbol       in file
+ --------- ----------------
+ ghost
+
+error: unresolved symbols remain
+error: errors encountered during linking; "out.elf" not built
 --- case what nothing reaches needs no definition
 --- args
 weak.o dead.o ok.cmd -o out.elf
