@@ -145,6 +145,7 @@ void ARM_EABI::define_static_base_symbol(bool use_lowest) {
     LINKER_OBJECT* base = nullptr;
     for (LINKER_OBJECT* object : root_collection->members()) {
         if (!object->has_attr(PA_ALLOCATED) || !object->is_collection()) continue;
+        if (use_lowest && !object->run_placement_is_complete()) continue; // has no address
         if (base == nullptr || (use_lowest && object->run_address() < base->run_address()))
             base = object;
         if (!use_lowest) break;
