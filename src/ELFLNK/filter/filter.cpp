@@ -1,6 +1,7 @@
 // Pattern matching and the order of patterns by what they cover.
 #include "ELFLNK/filter/filter.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <vector>
@@ -44,11 +45,21 @@ bool step_covered(char a, char b) {
     return b == '?' || a == b;
 }
 
+/// The plain characters in front of the first wildcard of either already rule out that one covers
+/// the other.
+bool beginnings_differ(const char* a, const char* b) {
+    auto is_wild = [](char c) { return c == '*' || c == '?'; };
+    while (*a != '\0' && *a == *b && !is_wild(*a)) ++a, ++b;
+    return *a != *b && !is_wild(*a) && !is_wild(*b);
+}
+
 /// Every string of a is one of b. reach[j] says that what was read of a is covered by the first j
 /// steps of b; a "*" of a only moves along a "*" of b.
 bool covers_pattern(const char* a, const char* b) {
+    if (beginnings_differ(a, b)) return false;
     const std::size_t n = std::strlen(b);
     std::vector<char> reach(n + 1, 0);
+    std::vector<char> next(n + 1, 0);
     auto close = [&] {
         for (std::size_t j = 0; j < n; ++j)
             if (reach[j] != 0 && b[j] == '*') reach[j + 1] = 1;
@@ -56,7 +67,7 @@ bool covers_pattern(const char* a, const char* b) {
     reach[0] = 1;
     close();
     for (; *a != '\0'; ++a) {
-        std::vector<char> next(n + 1, 0);
+        std::fill(next.begin(), next.end(), 0);
         for (std::size_t j = 0; j < n; ++j) {
             if (reach[j] == 0) continue;
             if (b[j] == '*')

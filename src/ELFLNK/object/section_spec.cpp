@@ -1,5 +1,4 @@
-// What a specification takes, and the two orders of specifications: as written, and by how narrow
-// their section patterns are.
+// What a specification takes.
 #include "ELFLNK/object/section_spec.h"
 
 #include <string>
@@ -79,66 +78,4 @@ bool SECTION_SPEC::match_common_symbol(OFE::OF_SYMBOL* symbol) const {
         if (!section_filter_->match(name.c_str())) return false;
     }
     return match_file(symbol_obj_file(symbol));
-}
-
-// ---- orders --------------------------------------------------------------------------------
-
-namespace {
-
-template <class T>
-int compare(T a, T b) {
-    return a < b ? -1 : b < a ? 1 : 0;
-}
-
-/// Two default specifications go by their output sections.
-int compare_default(const SECTION_SPEC* a, const SECTION_SPEC* b) {
-    const COLLECTION* in_a = a->containing_outsect();
-    const COLLECTION* in_b = b->containing_outsect();
-    if (in_a == nullptr || in_b == nullptr) {
-        if (in_a != in_b) return in_a == nullptr ? 1 : -1;
-        return LINKER_OBJECT::sort_by_id(a, b);
-    }
-    const uint32_t order_a = in_a->order_number();
-    const uint32_t order_b = in_b->order_number();
-    if ((order_a != 0) != (order_b != 0)) return order_a != 0 ? -1 : 1;
-    if (order_a != order_b) return compare(order_a, order_b);
-    return LINKER_OBJECT::sort_by_id(a, b);
-}
-
-} // namespace
-
-int SECTION_SPEC::sort_order(const LINKER_OBJECT* a, const LINKER_OBJECT* b) {
-    if (a == b) return 0;
-    const auto* spec_a = static_cast<const SECTION_SPEC*>(a);
-    const auto* spec_b = static_cast<const SECTION_SPEC*>(b);
-    if (spec_a->is_default_ != spec_b->is_default_) return spec_a->is_default_ ? 1 : -1;
-    if (spec_a->is_default_) return compare_default(spec_a, spec_b);
-    return compare(spec_a->order_number(), spec_b->order_number());
-}
-
-bool SECTION_SPEC::less_order(const LINKER_OBJECT* a, const LINKER_OBJECT* b) {
-    return sort_order(a, b) < 0;
-}
-
-void SECTION_SPEC::order_by_restrictiveness(std::vector<SECTION_SPEC*>& specs) {
-    if (specs.size() < 2) return;
-    std::vector<SECTION_SPEC*> slots;
-    slots.swap(specs);
-    for (std::size_t i = 0; i < slots.size();) {
-        if (slots[i] == nullptr) {
-            ++i;
-            continue;
-        }
-        std::size_t best = i;
-        for (std::size_t j = i + 1; j < slots.size(); ++j) {
-            if (slots[j] == nullptr || slots[j]->section_filter_ == nullptr) continue;
-            if (slots[j]->is_default_ != slots[best]->is_default_) break;
-            if (slots[best]->section_filter_ == nullptr ||
-                slots[best]->section_filter_->supersedes(slots[j]->section_filter_))
-                best = j;
-        }
-        specs.push_back(slots[best]);
-        slots[best] = nullptr;
-        if (best == i) ++i;
-    }
 }

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "ELFLNK/file/obj_file.h"
+#include "ELFLNK/filter/filter.h"
 #include "ELFLNK/object/section_spec.h"
 #include "ELFLNK/target/target.h"
 #include "OPTIONGEN/option_obj.h"
@@ -44,6 +45,29 @@ class SPEC_TEST : public testing::Test {
     static std::string ordered(std::vector<SECTION_SPEC*> specs) {
         SECTION_SPEC::order_by_restrictiveness(specs);
         return names(specs);
+    }
+
+    /// The order as it is told: scan behind the one whose turn it is, for a narrower one.
+    static std::vector<SECTION_SPEC*> scanned(std::vector<SECTION_SPEC*> slots) {
+        std::vector<SECTION_SPEC*> result;
+        for (std::size_t i = 0; i < slots.size();) {
+            if (slots[i] == nullptr) {
+                ++i;
+                continue;
+            }
+            std::size_t best = i;
+            for (std::size_t j = i + 1; j < slots.size(); ++j) {
+                if (slots[j] == nullptr || slots[j]->section_filter() == nullptr) continue;
+                if (slots[j]->is_default() != slots[best]->is_default()) break;
+                if (slots[best]->section_filter() == nullptr ||
+                    slots[best]->section_filter()->supersedes(slots[j]->section_filter()))
+                    best = j;
+            }
+            result.push_back(slots[best]);
+            slots[best] = nullptr;
+            if (best == i) ++i;
+        }
+        return result;
     }
 
     static SECTION_SPEC* first_that_matches(const std::vector<SECTION_SPEC*>& specs,
@@ -103,6 +127,27 @@ TEST_F(SPEC_TEST, narrower_specifications_move_in_front_of_wider_ones) {
     EXPECT_EQ(ordered({spec("all", "*", {"*"}), spec("text", "*", {".text*"}),
                        spec("data", "*", {".data"}), spec("hot", "*", {".text.hot"})}),
               "hot text data all ");
+}
+
+TEST_F(SPEC_TEST, the_order_is_that_of_a_scan_behind_each_one) {
+    const char* patterns[] = {".text", ".text*", ".text:a", "*",  ".t*",    ".text.hot",
+                              ".d*",   ".data",  ".te?t",   "*t", ".text:*"};
+    std::mt19937 random(17);
+    for (int round = 0; round < 500; ++round) {
+        std::vector<SECTION_SPEC*> specs;
+        const std::size_t count = random() % 14;
+        const std::size_t defaults = random() % 14;
+        for (std::size_t i = 0; i < count; ++i) {
+            std::vector<const char*> list;
+            for (std::size_t k = random() % 3; k != 0; --k)
+                list.push_back(patterns[random() % std::size(patterns)]);
+            specs.push_back(spec("s", nullptr, list));
+            specs.back()->set_is_default(i >= defaults);
+        }
+        std::vector<SECTION_SPEC*> sorted = specs;
+        SECTION_SPEC::order_by_restrictiveness(sorted);
+        ASSERT_EQ(sorted, scanned(specs)) << "round " << round;
+    }
 }
 
 TEST_F(SPEC_TEST, equal_patterns_keep_the_written_order_whatever_the_files) {
