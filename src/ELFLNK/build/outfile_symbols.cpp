@@ -149,7 +149,7 @@ void copy_local(OBJECT_FILE* file, OF_SYMBOL_TABLE* table, const OF_RAW_SYMBOL& 
         output->set_size(raw.size);
         output->set_type(raw.type);
         output->set_visibility(raw.visibility);
-        output->set_binding(raw.binding);
+        output->set_binding(OF_SYM_BINDING_LOCAL);
         output->set_final(true);
         remember_input(output, table, raw.id);
     } else if (output->final_value()) {
@@ -165,6 +165,11 @@ void copy_local(OBJECT_FILE* file, OF_SYMBOL_TABLE* table, const OF_RAW_SYMBOL& 
     store_symbol_value(output, section, value, !prebuild || !object || object->is_placed());
 }
 
+// A kind that no format gives a meaning to is not copied, nor is what other files define.
+bool is_copied(OF_SYM_KIND kind) {
+    return kind != OF_SYM_KIND_UNDEFINED && kind != OF_SYM_KIND_NONE;
+}
+
 bool is_defined_now(OF_SYMBOL* symbol, bool prebuild) {
     if (!prebuild) return true;
     LINKER_OBJECT* object = global_symbols.symbol_defining_object(symbol);
@@ -178,8 +183,8 @@ void copy_symbols_of(OBJECT_FILE* file, bool prebuild) {
     for (unsigned id = 0, n = table->symnum(); id < n; id = table->next_symbol_id(id)) {
         OF_SYMBOL* symbol = table->loaded_symbol(id);
         if (!symbol) {
-            if (!table->raw_symbol(id, raw) || raw.kind == OF_SYM_KIND_UNDEFINED) continue;
-            if (raw.binding == OF_SYM_BINDING_LOCAL) {
+            if (!table->raw_symbol(id, raw) || !is_copied(raw.kind)) continue;
+            if (raw.binding == OF_SYM_BINDING_LOCAL || raw.binding == OF_SYM_BINDING_NONE) {
                 copy_local(file, table, raw, prebuild);
                 continue;
             }
@@ -188,7 +193,7 @@ void copy_symbols_of(OBJECT_FILE* file, bool prebuild) {
                 continue;
             symbol = table->symbol(id);
         }
-        if (symbol->kind() == OF_SYM_KIND_UNDEFINED || !symbol_needs_final_value(symbol)) continue;
+        if (!is_copied(symbol->kind()) || !symbol_needs_final_value(symbol)) continue;
         copy_symbol(table, symbol, is_defined_now(symbol, prebuild));
     }
 }
@@ -238,12 +243,6 @@ void drop_unlinked_absolute_symbols() {
 
 namespace {
 
-bool is_defined(OF_SYMBOL* s) {
-    OF_SYM_KIND kind = s->kind();
-    return kind == OF_SYM_KIND_DEFINED || kind == OF_SYM_KIND_ABSOLUTE ||
-           kind == OF_SYM_KIND_COMMON;
-}
-
 bool may_be_bound_at_run_time(OF_SYMBOL* s) {
     ABI* abi = Target->abi();
     if (!abi->supports_dynamic_linkage() || s->visibility() != OF_VIS_DEFAULT) return false;
@@ -274,14 +273,13 @@ bool accept_undefined(OF_SYMBOL* s) {
 class UNDEFINED_PASS {
   public:
     void reference(OF_SYMBOL* s) {
-        if (!s || is_defined(s)) return;
+        if (!s || s->kind() != OF_SYM_KIND_UNDEFINED) return;
         if (s->binding() != OF_SYM_BINDING_GLOBAL && s->binding() != OF_SYM_BINDING_WEAK) return;
         if (!seen_.insert(s).second || s->final()) return;
         global_symbols.link_undef(s);
         OF_SYMBOL* now = s->resolved_by_final();
         if (now != s) return reference(now);
-        if (s->kind() == OF_SYM_KIND_UNDEFINED && accept_undefined(s))
-            copy_symbol(s->symbol_table(), s, true);
+        if (accept_undefined(s)) copy_symbol(s->symbol_table(), s, true);
     }
 
     void references_of(SECTION* object) {
