@@ -38,9 +38,9 @@ std::string position_text(const SOURCE_POSITION& pos) {
     return std::string("\"") + pos.file() + "\", line " + std::to_string(pos.line());
 }
 
-void report_empty_spec(const SECTION_SPEC* spec, const std::vector<SECTION_SPEC*>& specs) {
-    for (const SECTION_SPEC* taker : specs) {
-        if (taker == spec || taker->is_default() || !took_sections_of(taker, spec)) continue;
+void report_empty_spec(const SECTION_SPEC* spec, const std::vector<SECTION_SPEC*>& takers) {
+    for (const SECTION_SPEC* taker : takers) {
+        if (!took_sections_of(taker, spec)) continue;
         DIAG_REPORT_AT(&spec->source_position(), elnk_duplicate_sspec,
                        position_text(taker->source_position()));
         return;
@@ -54,8 +54,10 @@ void report_empty_spec(const SECTION_SPEC* spec, const std::vector<SECTION_SPEC*
 } // namespace
 
 void report_empty_specs(const std::vector<SECTION_SPEC*>& specs) {
+    std::vector<SECTION_SPEC*> takers;
+    std::vector<SECTION_SPEC*> empty;
     for (SECTION_SPEC* spec : specs)
-        if (!spec->is_default() && spec->members().empty() &&
-            !Target->ignore_empty_section_spec(spec))
-            report_empty_spec(spec, specs);
+        if (!spec->is_default()) (spec->members().empty() ? empty : takers).push_back(spec);
+    for (SECTION_SPEC* spec : empty)
+        if (!Target->ignore_empty_section_spec(spec)) report_empty_spec(spec, takers);
 }

@@ -3,6 +3,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <iterator>
 
 #include "DIAG/elnk_msgs.h"
 #include "ELFLNK/memmap/memory_map_table.h"
@@ -31,8 +32,10 @@ void MEMORY_MAP::check(const MEMORY_RANGE* range) const {
 
 void MEMORY_MAP::add(MEMORY_RANGE* range) {
     if (!range->is_hidden()) check(range);
-    push_back(range);
-    sort(MEMORY_RANGE::less_order);
+    // Behind its equals, as a stable sort would leave it; most newcomers belong to the end.
+    auto at = end();
+    while (at != begin() && MEMORY_RANGE::less_order(range, *std::prev(at))) --at;
+    insert(at, range);
 }
 
 MEMORY_RANGE* MEMORY_MAP::lookup_by_name(const char* name, int page) const {

@@ -4,9 +4,12 @@
 // that has a narrower pattern, which again looks behind itself. Most patterns are written many
 // times (once per file), so the specifications are grouped by pattern: what a pattern is wider
 // than is found once, and the next one behind a place is looked up, not searched for.
+#include <algorithm>
+#include <functional>
 #include <map>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "ELFLNK/filter/filter.h"
@@ -83,8 +86,8 @@ class RESTRICTIVENESS {
     static std::string text_of(const FILTER* filter) {
         if (filter == nullptr) return "";
         if (filter->get_kind() == FILTER::PATTERN) return filter->get_pattern();
-        return std::to_string(filter->get_kind()) + '(' + text_of(filter->left()) + '\n' +
-               text_of(filter->right()) + ')';
+        return std::string(1, '\0') + std::to_string(filter->get_kind()) + '(' +
+               text_of(filter->left()) + '\n' + text_of(filter->right()) + ')';
     }
 
     void add(std::size_t place, const SECTION_FILTER* filter) {
@@ -101,12 +104,22 @@ class RESTRICTIVENESS {
         return at == places.end() ? NONE : *at;
     }
 
+    /// What is narrower than a pattern begins with its plain characters; the first of a list does
+    /// for all, as each of them must be wider.
+    static std::string_view plain_beginning(const FILTER* filter) {
+        while (filter->get_kind() != FILTER::PATTERN) filter = filter->left();
+        const std::string_view text = filter->get_pattern();
+        return text.substr(0, text.find_first_of("*?"));
+    }
+
     void compare(std::size_t pattern) {
         PATTERN& wide = patterns_[pattern];
         wide.compared = true;
-        for (std::size_t i = 0; i < patterns_.size(); ++i)
-            if (i != pattern && wide.filter->supersedes(patterns_[i].filter))
-                wide.narrower.push_back(i);
+        const std::string_view beginning = plain_beginning(wide.filter);
+        for (auto at = by_text_.lower_bound(beginning);
+             at != by_text_.end() && at->first.starts_with(beginning); ++at)
+            if (at->second != pattern && wide.filter->supersedes(patterns_[at->second].filter))
+                wide.narrower.push_back(at->second);
     }
 
     /// First place behind this one with a narrower pattern; without a pattern anything is narrower.
@@ -121,7 +134,7 @@ class RESTRICTIVENESS {
     }
 
     std::vector<PATTERN> patterns_;
-    std::map<std::string, std::size_t> by_text_;
+    std::map<std::string, std::size_t, std::less<>> by_text_;
     std::map<std::size_t, std::size_t> pattern_of_; // by place
     std::set<std::size_t> with_pattern_;            // places not yet taken
 };
