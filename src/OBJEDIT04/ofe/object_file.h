@@ -148,7 +148,7 @@ class OBJECT_FILE : public OF_STATE_MACHINE {
     friend OBJECT_FILE* new_OBJECT_FILE(OF_FILE_HANDLE, OF_ERROR_HANDLER);
     bool symbol_exists(const char* name);
     int prepare_output();
-    int flush_output();
+    bool write_in_pieces(const uint8_t* bytes, size_t size, uint64_t offset);
     void unmap_output();
 
     OF_ERROR_HANDLER handler_;
@@ -157,6 +157,7 @@ class OBJECT_FILE : public OF_STATE_MACHINE {
     OF_MACHINE_RELTYPES* reltypes_ = nullptr;
     uint8_t* output_map_ = nullptr; // the file from its start, output_map_size_ bytes
     size_t output_map_size_ = 0;
+    bool write_failed_ = false;
     std::unique_ptr<OF_MACHINE_DB> machine_db_;
     ICODE_FLAG icode_flag_ = ICODE_UNKNOWN;
     bool safe_to_execute_ = true;

@@ -274,11 +274,12 @@ int OBJECT_FILE::save(OF_FILE_HANDLE handle) {
     set_name(handle.name);
     handle_.offset = handle.offset;
     handle_.close_on_destroy = handle.close_on_destroy;
+    write_failed_ = false;
     int result = prepare_output();
     if (result == 0) {
         zero_init_ = true;
         result = set_state(OF_STATE_SAVED);
-        if (result == 0) result = flush_output();
+        if (write_failed_) result = -1;
     }
     if (previous && previous != handle_.file) {
         fhm_close(previous);
@@ -314,14 +315,6 @@ int OBJECT_FILE::prepare_output() {
     return 0;
 }
 
-// What was written in pieces is with the system, or the failure is known now.
-int OBJECT_FILE::flush_output() {
-    FILE* fp = output_map_ ? nullptr : handle_.file->fp();
-    if (!fp || std::fflush(fp) == 0) return 0;
-    set_error(OF_ERROR_ACCESS, "cannot write: %s", std::strerror(errno));
-    return -1;
-}
-
 void OBJECT_FILE::unmap_output() {
     if (output_map_) munmap(output_map_, output_map_size_);
     output_map_ = nullptr;
@@ -345,12 +338,28 @@ int OBJECT_FILE::put_file_bytes(const void* bytes, size_t size, unsigned offset)
         std::memmove(to, bytes, size);
         return 0;
     }
+    if (write_in_pieces(static_cast<const uint8_t*>(bytes), size,
+                        uint64_t{handle_.offset} + offset))
+        return 0;
+    // One report is enough: while the file is being saved the states go on, and save() fails at its
+    // end.
+    if (!write_failed_)
+        set_error(OF_ERROR_ACCESS, "cannot write 0x%zx bytes: %s", size, std::strerror(errno));
+    write_failed_ = true;
+    return own_state() < OF_STATE_SAVED ? 0 : -1;
+}
+
+bool OBJECT_FILE::write_in_pieces(const uint8_t* bytes, size_t size, uint64_t offset) {
     FILE* fp = handle_.file->fp();
-    if (!fp || pfseek(fp, static_cast<long>(handle_.offset) + static_cast<long>(offset)) != 0)
-        return -1;
-    if (std::fwrite(bytes, 1, size, fp) == size) return 0;
-    set_error(OF_ERROR_ACCESS, "cannot write 0x%zx bytes: %s", size, std::strerror(errno));
-    return -1;
+    while (fp && size) {
+        ssize_t done = pwrite(fileno(fp), bytes, size, static_cast<off_t>(offset));
+        if (done < 0 && errno == EINTR) continue;
+        if (done <= 0) return false;
+        bytes += done;
+        size -= static_cast<size_t>(done);
+        offset += static_cast<uint64_t>(done);
+    }
+    return fp != nullptr;
 }
 
 int OBJECT_FILE::put_file_data(DATA_MAP& map, unsigned offset) {
