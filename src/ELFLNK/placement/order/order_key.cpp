@@ -17,21 +17,27 @@ int before_if(bool a_first) {
 }
 
 /// The order of input sections that the user asked for.
-int compare_preferred(const LINKER_OBJECT* a, const LINKER_OBJECT* b) {
-    if (!a->is_section() || !b->is_section()) return 0;
-    uint32_t first = static_cast<const SECTION*>(a)->preferred_priority();
-    uint32_t second = static_cast<const SECTION*>(b)->preferred_priority();
-    if (first == second) return 0;
-    if (first == 0 || second == 0) return before_if(second == 0);
-    return before_if(first < second);
+int compare_preferred(const ORDER_KEY& a, const ORDER_KEY& b) {
+    if (a.section_name == nullptr || b.section_name == nullptr || a.preferred == b.preferred)
+        return 0;
+    if (a.preferred == 0 || b.preferred == 0) return before_if(b.preferred == 0);
+    return before_if(a.preferred < b.preferred);
+}
+
+/// Of executable objects, the linkage table goes first. It is no input section.
+int compare_plt(const ORDER_KEY& a, const ORDER_KEY& b) {
+    if (a.section_name != nullptr && b.section_name != nullptr) return 0;
+    if (!a.object->has_attr(PA_EXEC) || !b.object->has_attr(PA_EXEC)) return 0;
+    bool first = a.object->is_plt_collection();
+    return first == b.object->is_plt_collection() ? 0 : before_if(first);
 }
 
 /// strcmp of the names. The name of an input section, "section:file", is made only where the
 /// section names alone don't decide: there are very many of them.
-int compare_names(const LINKER_OBJECT* a, const LINKER_OBJECT* b) {
-    if (a->is_section() && b->is_section()) {
-        const char* first = static_cast<const SECTION*>(a)->original_section_name();
-        const char* second = static_cast<const SECTION*>(b)->original_section_name();
+int compare_names(const ORDER_KEY& a, const ORDER_KEY& b) {
+    if (a.section_name != nullptr && b.section_name != nullptr) {
+        const char* first = a.section_name;
+        const char* second = b.section_name;
         while (*first != '\0' && *first == *second) {
             ++first;
             ++second;
@@ -39,7 +45,7 @@ int compare_names(const LINKER_OBJECT* a, const LINKER_OBJECT* b) {
         if (*first != '\0' && *second != '\0')
             return static_cast<unsigned char>(*first) - static_cast<unsigned char>(*second);
     }
-    return strcmp(a->name(), b->name());
+    return strcmp(a.object->name(), b.object->name());
 }
 
 } // namespace
@@ -63,7 +69,17 @@ uint32_t ORDER_CONTEXT::intern(const std::vector<uint32_t>& ranges) {
 ORDER_KEY ORDER_CONTEXT::key_of(LOCATOR* locator) {
     ORDER_KEY key{};
     key.locator = locator;
-    key.size = locator->object()->size();
+    LINKER_OBJECT* object = locator->object();
+    key.object = object;
+    key.parent = object->parent();
+    key.size = object->size();
+    key.specific = locator->has_flag(LF_SPECIFIC);
+    key.run_first = locator->is_run_or_both();
+    if (object->is_section()) {
+        const auto* section = static_cast<const SECTION*>(object);
+        key.section_name = section->original_section_name();
+        key.preferred = section->preferred_priority();
+    }
     key.contends =
         locator->placement_specified() && !locator->is_complete() && !locator->is_virtual();
     bool by_range = locator->has_flag(LF_RANGES | LF_ATTRS);
@@ -102,8 +118,8 @@ uint64_t ORDER_CONTEXT::contention(const ORDER_KEY& a, const ORDER_KEY& b) const
 
 /// Members of one parent: copies follow their run addresses, then orders that the user asked for.
 int ORDER_CONTEXT::compare_members(const ORDER_KEY& a, const ORDER_KEY& b) const {
-    const LINKER_OBJECT* first = a.locator->object();
-    const LINKER_OBJECT* second = b.locator->object();
+    const LINKER_OBJECT* first = a.object;
+    const LINKER_OBJECT* second = b.object;
     if (a.locator->is_load() || b.locator->is_load()) {
         bool first_done = a.locator->is_load() && first->run_placement_is_complete();
         bool second_done = b.locator->is_load() && second->run_placement_is_complete();
@@ -111,7 +127,7 @@ int ORDER_CONTEXT::compare_members(const ORDER_KEY& a, const ORDER_KEY& b) const
         if (first_done && first->run_address() != second->run_address())
             return before_if(first->run_address() < second->run_address());
     }
-    return compare_preferred(first, second);
+    return compare_preferred(a, b);
 }
 
 /// Both have room: the one for which it is scarcer, relative to its size.
@@ -143,28 +159,22 @@ int ORDER_CONTEXT::compare_room(const ORDER_KEY& a, const ORDER_KEY& b) const {
 }
 
 int ORDER_CONTEXT::compare(const ORDER_KEY& a, const ORDER_KEY& b) const {
-    LINKER_OBJECT* first = a.locator->object();
-    LINKER_OBJECT* second = b.locator->object();
-    bool specific = a.locator->has_flag(LF_SPECIFIC);
-    if (specific != b.locator->has_flag(LF_SPECIFIC)) return before_if(specific);
-    if (first->has_common_parent(second))
+    if (a.specific != b.specific) return before_if(a.specific);
+    if (a.parent == b.parent && a.parent != nullptr)
         if (int order = compare_members(a, b)) return order;
     if (alphabetical_)
-        if (int order = compare_names(first, second)) return order;
+        if (int order = compare_names(a, b)) return order;
     if (a.use_count == 1 && b.use_count > 1) return -1;
     if (b.use_count == 1 && a.use_count > 1) return 1;
     if ((a.available != 0) != (b.available != 0)) return before_if(a.available != 0);
-    if (first->has_attr(PA_EXEC) && second->has_attr(PA_EXEC) &&
-        first->is_plt_collection() != second->is_plt_collection())
-        return before_if(first->is_plt_collection());
+    if (int order = compare_plt(a, b)) return order;
     if (a.available != 0 && (a.available != b.available || a.size != b.size))
         if (int order = compare_room(a, b)) return order;
     if (a.size != b.size) return before_if(a.size > b.size);
-    if (first != second)
-        if (int order = compare_names(first, second)) return order;
-    if (a.locator->is_run_or_both() != b.locator->is_run_or_both())
-        return before_if(a.locator->is_run_or_both());
-    return LINKER_OBJECT::sort_by_id(first, second);
+    if (a.object != b.object)
+        if (int order = compare_names(a, b)) return order;
+    if (a.run_first != b.run_first) return before_if(a.run_first);
+    return LINKER_OBJECT::sort_by_id(a.object, b.object);
 }
 
 int LOCATOR::locator_priority_cmp(LOCATOR* a, LOCATOR* b) {

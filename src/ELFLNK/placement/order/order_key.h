@@ -11,8 +11,6 @@
 
 #include "ELFLNK/locator/locator.h"
 
-class ORDER_CONTEXT;
-
 /// One locator in a sort.
 struct ORDER_KEY {
     LOCATOR* locator;
@@ -21,6 +19,12 @@ struct ORDER_KEY {
     uint32_t use_set;   ///< number of its set of usable ranges in the context
     uint32_t use_count; ///< how many ranges it can use
     bool contends;      ///< placement specified, not complete, not virtual
+    bool specific;      ///< specific address
+    bool run_first;     ///< a locator of kind RUN or BOTH
+    uint32_t preferred; ///< rank of an input section that the user asked for; 0 none
+    LINKER_OBJECT* object;
+    const COLLECTION* parent;
+    const char* section_name; ///< of an input section, else null
 };
 
 /// The sets of ranges that the locators of one sort can use, and the space that two sets share.
