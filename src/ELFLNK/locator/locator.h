@@ -12,7 +12,6 @@
 #include <vector>
 
 class COLLECTION;
-class DIAG_SRCINFO;
 class LINKER_OBJECT;
 class LOCATOR;
 class MEMORY_RANGE;
@@ -299,7 +298,6 @@ class LOCATOR {
     void reset_placement();
 
   private:
-    bool conflicts_with(uint32_t mask, const SOURCE_POSITION* pos);
     void report_conflict(const SOURCE_POSITION* pos) const;
     void sort_late_sub_items() const;
     void report_ignored_priority();
@@ -315,14 +313,14 @@ class LOCATOR {
     bool search_holes(MEMORY_RANGE* range, MEMORY_RANGE* trial, uint64_t start, uint64_t final);
     bool overlay_test_is_on();
     uint64_t smallest_hole();
-    bool prepare_collection();
+    void prepare_collection();
     bool settle_start(MEMORY_RANGE* trial);
     void commit_final();
     void update_range(MEMORY_RANGE* range);
     void forget_placement();
     void set_split_failed_placement();
     void set_unsplit_failed_and_reset();
-    void set_virtual_deep();
+    bool insert_into_virtual_range(uint64_t addr);
     std::string failure_text(const std::vector<MEMORY_RANGE*>& list);
     void report_failure(const std::vector<MEMORY_RANGE*>& list);
     bool place_member(LOCATOR* sub, MEMORY_RANGE* trial, uint64_t& cursor);

@@ -172,10 +172,9 @@ bool LOCATOR::settle_start(MEMORY_RANGE* trial) {
 }
 
 /// Sub-items exist and stand in their order.
-bool LOCATOR::prepare_collection() {
+void LOCATOR::prepare_collection() {
     if (sub_items_.empty()) extract_subitems();
     if (attempts_ <= 1) sort_subitems();
-    return true;
 }
 
 bool LOCATOR::attempt_placement(MEMORY_RANGE* trial) {
