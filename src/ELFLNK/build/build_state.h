@@ -44,6 +44,10 @@ void check_imports();
 void report_readonly_violations();
 void create_program_headers();
 
+// The object's size as a header of the output stores it; 0 after an error for one that is too
+// large.
+uint32_t storable_size(LINKER_OBJECT* object, unsigned unit_bytes);
+
 // Stores a value in a symbol of the output: relative to its section where the file's values are.
 void store_symbol_value(OFE::OF_SYMBOL* symbol, OFE::OF_SECTION* section, uint64_t value,
                         bool final);

@@ -1,6 +1,7 @@
 // One output section per output collection, with addresses, alignment, type and flags from the
 // placed object.
 #include "DIAG/elnk_msgs.h"
+#include "DIAG/user_msg_api.h"
 #include "ELFLNK/build/build.h"
 #include "ELFLNK/build/build_state.h"
 #include "ELFLNK/object/root_collection.h"
@@ -74,11 +75,20 @@ void update_section(OFE::OF_SECTION* section, LINKER_OBJECT* object) {
     if (output_OF_FILE()->format() == OFE::OF_FORMAT_ELF)
         set_type_and_flags(OFE::elf_api(section), object);
     section->set_page(static_cast<unsigned>(object->run_page()));
-    section->set_size(narrow<uint32_t>(object->size()));
+    section->set_size(storable_size(object, 1));
     object->set_output_updated(true);
 }
 
 } // namespace
+
+uint32_t storable_size(LINKER_OBJECT* object, unsigned unit_bytes) {
+    uint64_t size = object->size();
+    if (size <= UINT32_MAX / unit_bytes) return static_cast<uint32_t>(size * unit_bytes);
+    USER_MSG::get_umsg_obj()->error(
+        &object->source_position(),
+        "the size of \"%s\", %#lx, is more than an output file can hold", object->name(), size);
+    return 0;
+}
 
 void create_outfile_sections() {
     trace_build.printf("\nCREATE OUTFILE SECTIONS\n");

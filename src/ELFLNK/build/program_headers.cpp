@@ -89,7 +89,7 @@ void fill_in(LOAD_SEGMENT* segment) {
     header.p_vaddr = static_cast<uint32_t>(segment->run_address());
     header.p_paddr = static_cast<uint32_t>(segment->load_address());
     header.p_flags = segment->flags();
-    header.p_memsz = narrow<uint32_t>(segment->size() * Target->code_unit_bit_size() / 8);
+    header.p_memsz = storable_size(segment, Target->code_unit_bit_size() / 8);
     header.p_align = segment->alignment() ? segment->alignment() : 1;
     if (Target->abi()->gabi_segment_mode())
         header.p_align = std::max<uint32_t>(header.p_align,

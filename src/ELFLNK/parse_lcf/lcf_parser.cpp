@@ -83,7 +83,11 @@ void LCF_PARSER::filename_or_assign() {
     int next = lex_peek();
     if (next == '=' || (next == '(' && keyword("WEAK"))) {
         latch_ = false;
-        if (EXPRESSION* expr = expr_assignment()) {
+        SOURCE_POSITION pos = token().position();
+        EXPRESSION* expr = expr_assignment();
+        if (expr != nullptr && expr->has_dot()) {
+            DIAG_REPORT_AT(&pos, elnk_bad_expr); // dot is a place in an output section
+        } else if (expr != nullptr) {
             expr->set_seq_id(next_seq_id());
             root_collection->add_user_assignment(expr);
         }

@@ -146,14 +146,24 @@ void LOCATOR::available_mem_range(std::vector<MEMORY_RANGE*>& list) {
         if (match(range)) list.push_back(range);
 }
 
-void LOCATOR::place_virtual(uint64_t addr) {
-    if (!is_virtual()) return;
+bool LOCATOR::insert_into_virtual_range(uint64_t addr) {
     MEMORY_RANGE* range =
         make_range_above("VIRTUAL", effective_page(), addr, MEMORY_RANGE::ATTR_HIDDEN);
     memory_map->add(range);
     if (!has_flag(LF_SPLIT_FAILED)) clear_flag(LF_SPLIT);
     clear_flag(LF_HIGHEST);
     set_flag(LF_ONE_ATTEMPT);
-    if (!insert_into_range(range)) DIAG_REPORT(elnk_virtual_place_failed, object_->name());
+    const bool placed = insert_into_range(range);
     shrink_to_contents(range);
+    return placed;
+}
+
+void LOCATOR::place_virtual(uint64_t addr) {
+    if (!is_virtual() || insert_into_virtual_range(addr)) return;
+    // Only the end of the address space is in the way; at its beginning there is room.
+    clear_flag(LF_SPECIFIC);
+    set_min_address(0);
+    set_max_address(no_limit);
+    reset_placement();
+    if (!insert_into_virtual_range(0)) DIAG_REPORT(elnk_virtual_place_failed, object_->name());
 }

@@ -66,6 +66,7 @@ bool ELF_SYMBOL_TABLE::read_record(unsigned id, Elf32_Sym& sym, unsigned& ext_sh
     sym.st_other = p[13];
     sym.st_shndx = read_u16(p + 14, big_);
     ext_shndx = 0;
+    check_record(id, sym);
     unsigned section = sym.st_shndx;
     if (section == SHN_XINDEX) {
         if (id < raw_shndx_count_) ext_shndx = read_u32(raw_shndx_ + size_t{id} * 4, big_);
@@ -81,6 +82,18 @@ bool ELF_SYMBOL_TABLE::read_record(unsigned id, Elf32_Sym& sym, unsigned& ext_sh
     sym.st_shndx = SHN_UNDEF;
     ext_shndx = 0;
     return false;
+}
+
+// Values that nothing later could make sense of.
+void ELF_SYMBOL_TABLE::check_record(unsigned id, const Elf32_Sym& sym) {
+    if (sym.st_info >> 4 > STB_WEAK)
+        ofile()->set_error(OF_ERROR_CORRUPT, "the binding of symbol %u in \"%s\" is 0x%x", id,
+                           name(), sym.st_info >> 4);
+    if (sym.st_shndx == SHN_COMMON && (sym.st_value & (sym.st_value - 1)) != 0)
+        ofile()->set_error(OF_ERROR_CORRUPT,
+                           "the alignment of the common symbol %u in \"%s\" is 0x%x, which is not "
+                           "a power of 2",
+                           id, name(), sym.st_value);
 }
 
 const char* ELF_SYMBOL_TABLE::string_at(unsigned offset, unsigned id) {
@@ -105,6 +118,10 @@ OF_SYMBOL* ELF_SYMBOL_TABLE::load_symbol_into_mem(unsigned id) {
     read_record(id, s->record(), ext_shndx);
     s->set_ext_shndx(ext_shndx);
     s->set_name_view(string_at(s->record().st_name, id));
+    if (s->kind() == OF_SYM_KIND_NONE)
+        ofile()->set_error(OF_ERROR_CORRUPT,
+                           "symbol %u in \"%s\" has the unknown special section index 0x%x", id,
+                           name(), s->record().st_shndx);
     return s;
 }
 
@@ -144,7 +161,8 @@ bool ELF_SYMBOL_TABLE::raw_symbol(unsigned id, OF_RAW_SYMBOL& out) {
     out.section_id = !defined                     ? OF_RAW_SYMBOL::NO_SECTION
                      : sym.st_shndx == SHN_XINDEX ? ext_shndx
                                                   : sym.st_shndx;
-    if (out.kind == OF_SYM_KIND_NONE) out.kind = symbol(id)->kind(); // perhaps the machine knows
+    // The machine may know special indices of its own; loading a symbol reports one nobody knows.
+    if (out.kind == OF_SYM_KIND_NONE) out.kind = symbol(id)->kind();
     out.binding = ELF_SYMBOL::binding_of(sym.st_info);
     out.type = ELF_SYMBOL::type_of(sym.st_info);
     out.visibility = sym.st_other & 3;

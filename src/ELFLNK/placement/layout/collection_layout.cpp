@@ -150,7 +150,7 @@ void LOCATOR::assign_to_dot(LOCATOR* dot, uint64_t addr) {
     auto value =
         static_cast<uint64_t>(get_expr_mgr()->evaluate(object->expression(), object, true));
     dot->clear_flag(LF_COMPLETE);
-    if (value < offset) {
+    if (static_cast<int64_t>(value) < static_cast<int64_t>(offset)) {
         DIAG_REPORT_AT(&object->source_position(), elnk_dot_reduces_offset, offset, value);
         value = offset;
     }

@@ -29,7 +29,7 @@ bool is_split(const LOCATOR* locator) {
 bool LOCATOR::reserve_space_for_padding(MEMORY_RANGE* trial) {
     uint64_t end = round_down(trial->end(), Target->required_alignment(object_));
     uint64_t amount = Target->abi()->pad_size(this) + (trial->end() - end);
-    return trial->reserve(narrow<uint32_t>(amount));
+    return fits<uint32_t>(amount) && trial->reserve(static_cast<uint32_t>(amount));
 }
 
 void LOCATOR::unreserve_space_for_padding(MEMORY_RANGE* trial) {
