@@ -1,6 +1,7 @@
 // Holes and the places of dot expressions.
 #include "ELFLNK/object/space.h"
 
+#include "DIAG/diagnostic.h"
 #include "ELFLNK/expr/expr_mgr.h"
 #include "ELFLNK/expr/expression.h"
 #include "ELFLNK/object/collection.h"
@@ -42,17 +43,24 @@ bool is_settled(const EXPRESSION* right) {
 DOT_EXPRESSION::DOT_EXPRESSION(EXPRESSION* expr, const SOURCE_POSITION* pos)
     : SPACE(name_of_place(expr), 0, pos), expr_(expr->is_assign_to_dot() ? expr : nullptr) {}
 
+bool DOT_EXPRESSION::evaluate(int64_t& value) {
+    const unsigned errors = DIAGNOSTIC::error_count_m;
+    value = get_expr_mgr()->evaluate(expr_, this, !fault_reported_);
+    if (DIAGNOSTIC::error_count_m != errors) fault_reported_ = true;
+    return is_settled(expr_->right());
+}
+
 uint64_t DOT_EXPRESSION::size() {
     if (expr_ == nullptr || size_ != 0 || expr_->opcode() != EXPR_OP_ADD_ASSIGN) return size_;
     const uint64_t origin = dot_origin_;
     dot_origin_ = run_address();
-    const int64_t value = get_expr_mgr()->evaluate(expr_, this, true);
+    int64_t value = 0;
+    const bool known = evaluate(value);
     dot_origin_ = origin;
-    const EXPRESSION* right = expr_->right();
-    if (!is_settled(right)) return size_;
+    if (!known) return size_;
     if (value >= 1)
         size_ = static_cast<uint64_t>(value);
-    else if (value == 0 && right->opcode() == EXPR_OP_INT)
+    else if (value == 0 && expr_->right()->opcode() == EXPR_OP_INT)
         root_collection->unregister_object(this);
     return size_;
 }

@@ -38,8 +38,14 @@ class DOT_EXPRESSION : public SPACE {
     /// Where dot counts from in an evaluation.
     uint64_t dot_origin() const { return dot_origin_; }
     void set_dot_origin(uint64_t address) { dot_origin_ = address; }
+    /// The new dot, seen from the origin; false if it can't be known. There are many attempts at a
+    /// placement, but what is wrong with the assignment is said once.
+    bool evaluate(int64_t& value);
+    bool is_fault_reported() const { return fault_reported_; }
+    void set_fault_reported() { fault_reported_ = true; }
 
   private:
     EXPRESSION* expr_;
     uint64_t dot_origin_ = 0;
+    bool fault_reported_ = false;
 };

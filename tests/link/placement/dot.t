@@ -36,3 +36,27 @@ a.o back.cmd -o out.elf --entry_point=_start
 error: assignment to '.' reduces the current section offset
 from 0x20 to 0x10
 --- no-file out.elf
+--- case what is wrong with an assignment is said once, however many holes are tried
+--- once.cmd
+MEMORY { A : origin = 0x102, length = 0x2a  B : origin = 0x202, length = 0x2a  C : origin = 0x300, length = 0x1000 }
+SECTIONS {
+    .text : { *(.text.p) . = 11;
+        . = ALIGN(5);
+        . = 4;
+        . += nobody;
+        *(.text.q) } > A | B | C
+}
+--- odd.s
+    .section .text.q, "ax"
+    .balign 4
+--- args
+a.o odd.o once.cmd -o out.elf --entry_point=_start
+--- exit
+1
+--- stderr
+"once.cmd", line 6: error: undefined symbol "nobody" used in expression
+"once.cmd", line 4: error: illegal alignment value:  power of 2 required
+"once.cmd", line 5: error: assignment to '.' reduces the current section offset
+   from 0xb to 0x4
+error: errors encountered during linking; "out.elf" not built
+--- no-file out.elf

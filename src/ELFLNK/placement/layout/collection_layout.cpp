@@ -9,7 +9,6 @@
 
 #include "DIAG/elnk_msgs.h"
 #include "DIAG/source_position.h"
-#include "ELFLNK/expr/expr_mgr.h"
 #include "ELFLNK/locator/locator.h"
 #include "ELFLNK/memmap/memory_range.h"
 #include "ELFLNK/object/collection.h"
@@ -147,14 +146,17 @@ void LOCATOR::assign_to_dot(LOCATOR* dot, uint64_t addr) {
     uint64_t offset = addr - address_;
     // The dot is where it is for this evaluation, whatever becomes of the attempt.
     dot->set_flag(LF_COMPLETE);
-    auto value =
-        static_cast<uint64_t>(get_expr_mgr()->evaluate(object->expression(), object, true));
+    int64_t value = 0;
+    bool known = object->evaluate(value);
     dot->clear_flag(LF_COMPLETE);
-    if (static_cast<int64_t>(value) < static_cast<int64_t>(offset)) {
-        DIAG_REPORT_AT(&object->source_position(), elnk_dot_reduces_offset, offset, value);
-        value = offset;
+    if (known && value < static_cast<int64_t>(offset)) {
+        if (!object->is_fault_reported())
+            DIAG_REPORT_AT(&object->source_position(), elnk_dot_reduces_offset, offset,
+                           static_cast<uint64_t>(value));
+        object->set_fault_reported();
+        known = false;
     }
-    object->set_size(value - offset);
+    object->set_size(known ? static_cast<uint64_t>(value) - offset : 0);
     set_flag(LF_SPECIFIC_TRIED);
 }
 
