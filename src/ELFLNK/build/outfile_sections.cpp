@@ -60,7 +60,23 @@ void set_type_and_flags(OFE::ELF_SECTION* section, LINKER_OBJECT* object) {
     section->set_sh_flags(flags);
 }
 
+// Headers hold 32-bit addresses: what lies above would silently end up somewhere else.
+void check_addresses(LINKER_OBJECT* object) {
+    constexpr uint64_t limit = uint64_t{1} << 32;
+    uint64_t size = object->size();
+    if (!object->has_attr(PA_ALLOCATED) || size == 0 || size > UINT32_MAX) return;
+    for (uint64_t address : {object->run_address(), object->load_address()}) {
+        if (address <= limit - size) continue;
+        USER_MSG::get_umsg_obj()->error(
+            &object->source_position(),
+            "\"%s\", at %#lx with the size %#lx, lies outside of the 32-bit address space",
+            object->name(), address, size);
+        return;
+    }
+}
+
 void update_section(OFE::OF_SECTION* section, LINKER_OBJECT* object) {
+    check_addresses(object);
     auto run = narrow<uint32_t>(object->run_address() & 0xFFFFFFFF);
     auto load = narrow<uint32_t>(object->load_address() & 0xFFFFFFFF);
     trace_build.printf("--> update section %s: run=0x%08lx, load=0x%08lx, size=0x%lx\n",

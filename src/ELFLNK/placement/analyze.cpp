@@ -36,8 +36,7 @@ LOCATOR* with_wishes(LOCATOR* locator) {
 
 /// Kinds of output whose placement is not the user's business.
 bool default_placement_is_expected() {
-    bool relocatable =
-        global_opts->isopt(OPT_relocatable) && !global_opts->isopt(OPT_absolute_exe);
+    bool relocatable = global_opts->isopt(OPT_relocatable) && !global_opts->isopt(OPT_absolute_exe);
     return is_dynamic_output() || global_opts->isopt(OPT_rom) || relocatable;
 }
 

@@ -57,7 +57,7 @@ std::string LOCATOR::failure_text(const std::vector<MEMORY_RANGE*>& list) {
 }
 
 void LOCATOR::report_failure(const std::vector<MEMORY_RANGE*>& list) {
-    if (list.empty()) {
+    if (std::all_of(list.begin(), list.end(), [](auto* range) { return range->is_hidden(); })) {
         const char* with_attrs = has_flag(LF_ATTRS) ? " with matching attributes" : "";
         DIAG_REPORT_AT(position_, elnk_place_no_range, with_attrs, object_->name());
         return;

@@ -11,6 +11,7 @@
 #include "ELFLNK/placement/placement.h"
 #include "ELFLNK/target/abi.h"
 #include "ELFLNK/target/target.h"
+#include "UTIL/strformat.h"
 
 namespace {
 
@@ -45,6 +46,15 @@ void report_ambiguous_page(const LINKER_OBJECT* object) {
     DIAG_REPORT_AT(&object->source_position(), elnk_ambiguous_page, object->name());
 }
 
+/// Once per mention in the command file: sections that the linker makes are placed like the user's
+/// and repeat their wishes.
+void report_unknown_range(const char* name, int page, const SOURCE_POSITION* pos) {
+    std::string mention = strformat("%s\n%d\n", name, page);
+    if (pos != nullptr) mention += strformat("%s\n%u:%u", pos->file(), pos->line(), pos->column());
+    if (placement_state().unknown_ranges_reported.insert(mention).second)
+        DIAG_REPORT_AT(pos, elnk_place_bad_range, name, page);
+}
+
 } // namespace
 
 void LOCATOR::place_object() {
@@ -73,7 +83,7 @@ void LOCATOR::place_specific() {
     }
     if (!has_flag(LF_PAGE)) report_ambiguous_page(object_);
     range = memory_map->lookup_by_addr(specific_, effective_page());
-    if (range == nullptr) {
+    if (range == nullptr || range->is_hidden()) {
         DIAG_REPORT_AT(position_, elnk_place_specific_out_of_range);
         // The range is for this object alone: in the map it would lie over ranges above it.
         range = make_range_above("DEFAULT", effective_page(), specific_, MEMORY_RANGE::ATTR_ALL);
@@ -95,7 +105,7 @@ void LOCATOR::place_by_named_range() {
         if (range != nullptr)
             list.push_back(range);
         else
-            DIAG_REPORT_AT(position_, elnk_place_bad_range, name, wanted_page);
+            report_unknown_range(name, wanted_page, position_);
     }
     if (!place_in_range_list(list)) fail_placement(list, true);
 }

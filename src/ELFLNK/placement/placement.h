@@ -7,6 +7,9 @@
 // an address has one, in a declared range or, after an error, in a virtual one.
 #pragma once
 
+#include <set>
+#include <string>
+
 #include "ELFLNK/locator/locator.h"
 
 class LINKER_OBJECT;
@@ -28,6 +31,7 @@ struct PLACEMENT_STATE {
     LOCATOR_LIST worklist[3]; ///< of phases 1, 2 and 3
     int phase = 0;            ///< 0, 1, 2; handed to update_before_placement
     bool ambiguous_page_reported = false;
+    std::set<std::string> unknown_ranges_reported; ///< by name, page and place in the command file
 };
 
 PLACEMENT_STATE& placement_state();

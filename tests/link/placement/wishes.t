@@ -67,3 +67,17 @@ warning: specific address 0x112 overrides alignment of
 .c 0x112 0xa
 .b 0x11c 0x30
 .a 0x100 0xc
+--- case a range that does not exist is missed once, whatever else takes over the wish
+--- missing.cmd
+MEMORY { FLASH (RX) : origin = 0x100, length = 0x1000   RAM (RW) : origin = 0x8000, length = 0x100 }
+SECTIONS
+{
+    .text : { *(.a) *(.b) *(.c) } > FLASH
+    .bss : { *(.d) } > CCM | RAM
+}
+--- args
+a.o missing.cmd -o out.elf --entry_point=_start
+--- stderr
+"missing.cmd", line 5: warning: memory range not found: CCM on page 0
+--- section
+.bss 0x8000 8
