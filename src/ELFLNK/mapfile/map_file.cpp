@@ -9,6 +9,7 @@
 
 #include "DIAG/elnk_msgs.h"
 #include "DIAG/gen_msgs.h"
+#include "DIAG/user_msg_api.h"
 #include "ELFLNK/build/build.h"
 #include "ELFLNK/main/main.h"
 #include "ELFLNK/memmap/fill_spec.h"
@@ -200,6 +201,10 @@ void generate_map_file() {
     Target->generate_map_file();
     map_global_symbols();
     if (mdisp_flags().is_on("sym_defs")) map_symbol_definitions();
-    fwrite(buffer().data(), 1, buffer().size(), file->fp());
+    bool written = fwrite(buffer().data(), 1, buffer().size(), file->fp()) == buffer().size();
+    if (!written || fflush(file->fp()) != 0)
+        USER_MSG::get_umsg_obj()->error("cannot write the map to \"%s\":  %s",
+                                        file == fhm_stdout() ? "standard output" : name,
+                                        strerror(errno));
     fhm_close(file);
 }

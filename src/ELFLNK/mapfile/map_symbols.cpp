@@ -103,8 +103,29 @@ bool symval_less_page(const OF_SYMBOL* a, const OF_SYMBOL* b) {
     return symval_cmp(a, b) < 0;
 }
 
+namespace {
+
+// Where a symbol of an input file ended up; one that the output has no symbol for counts from its
+// section.
+uint64_t run_value(OF_SYMBOL* symbol) {
+    const OF_SYMBOL* final = symbol->resolved_by_final();
+    const SECTION* section =
+        final->refs_section() ? root_collection->lookup_OF_SECTION(final->section()) : nullptr;
+    return section != nullptr ? section->run_address() + final->value() : final->value();
+}
+
+// Symbols whose binding or visibility the output changes; nothing for none.
+void map_list(const char* title, const char* what, SYMBOLS list) {
+    if (list.empty()) return;
+    std::stable_sort(list.begin(), list.end(), symname_less);
+    mprintf("\n\n%s: \n\n", title);
+    mprintf("\n[%d %s]\n", Target->generate_map_symlist(list, false), what);
+}
+
+} // namespace
+
 uint64_t input_symbol_load_address(OF_SYMBOL* symbol) {
-    uint64_t value = symbol->resolved_by_final()->value();
+    uint64_t value = run_value(symbol);
     if (!symbol->refs_section()) return value;
     const SECTION* section = root_collection->lookup_OF_SECTION(symbol->section());
     return section != nullptr ? value + section->load_address() - section->run_address() : value;
@@ -127,14 +148,14 @@ void map_global_symbols() {
         std::stable_sort(list.begin(), list.end(), pages ? symval_less_page : symval_less);
         mprintf("\n[%d symbols]\n", Target->generate_map_symlist(list, false));
     }
-    SYMBOLS comdat = outsym_attr_manager.comdat_symbols();
-    bool show_comdat = mdisp_flags().is_on("localized_sym") || mdisp_flags().is_on("hidden_sym");
-    if (show_comdat && !comdat.empty()) {
-        std::stable_sort(comdat.begin(), comdat.end(), symname_less);
-        mputs("\n\nCOMDAT SYMBOLS NOT HIDDEN OR LOCALIZED: \n\n");
-        mprintf("\n[%d comdat symbols not hidden or localized]\n",
-                Target->generate_map_symlist(comdat, false));
-    }
+    const bool hidden = mdisp_flags().is_on("hidden_sym");
+    const bool localized = mdisp_flags().is_on("localized_sym");
+    if (hidden) map_list("HIDDEN SYMBOLS", "hidden symbols", outsym_attr_manager.hidden_symbols());
+    if (localized)
+        map_list("LOCALIZED SYMBOLS", "localized symbols", outsym_attr_manager.localized_symbols());
+    if (hidden || localized)
+        map_list("COMDAT SYMBOLS NOT HIDDEN OR LOCALIZED", "comdat symbols not hidden or localized",
+                 outsym_attr_manager.comdat_symbols());
 }
 
 void map_symbol_definitions() {
@@ -206,7 +227,7 @@ void TARGET::generate_map_symval_heading(TEXT_TABLE& table, int row, int col) {
 }
 
 void TARGET::generate_map_symval_info(TEXT_TABLE& table, int& row, int col, OF_SYMBOL* symbol) {
-    unsigned value = symbol->resolved_by_final()->value();
+    auto value = static_cast<uint32_t>(run_value(symbol));
     table.set_text(row, col, "%08x", value);
     auto load = static_cast<uint32_t>(input_symbol_load_address(symbol));
     if (load != value) table.set_text(++row, col, " %08x", load);

@@ -31,6 +31,8 @@ class OUTSYM_ATTR_MANAGER {
     bool localize_hidden_symbols() const;
     // Some symbol is to be hidden or localized.
     bool has_changes() const { return !hidden_.empty() || !localized_.empty(); }
+    const std::vector<OFE::OF_SYMBOL*>& hidden_symbols() const { return hidden_; }
+    const std::vector<OFE::OF_SYMBOL*>& localized_symbols() const { return localized_; }
     const std::vector<OFE::OF_SYMBOL*>& comdat_symbols() const { return comdat_; }
     const std::unordered_set<OFE::OF_SYMBOL*>& changed_symbols() const { return changed_; }
     void dump() const;

@@ -134,3 +134,45 @@ error: program will not fit into available memory.
 .text      0    00000000    0000001a     FAILED TO ALLOCATE
 .bss       0    20000000    00000010     UNINITIALIZED
 --- no-file out.elf
+--- case no room for the map
+--- args
+a.o lib.a l.cmd -o out.elf -m /dev/full
+--- exit
+1
+--- stderr has
+error: cannot write the map to "/dev/full":  No space left on device
+--- no-file out.elf
+--- case symbols that the output hides or makes local are listed apart
+--- args
+a.o lib.a l.cmd -o out.elf -m out.map --hide=two --localize=z* --mapfile_contents=none,sym_name,hidden_sym,localized_sym
+--- text out.map has
+GLOBAL SYMBOLS: SORTED ALPHABETICALLY BY Name
+00000065  one
+00000041  start
+20000010  value
+HIDDEN SYMBOLS:
+00000061  two
+[1 hidden symbols]
+LOCALIZED SYMBOLS:
+20000000  zeros
+[1 localized symbols]
+--- case local symbols stand at their addresses
+--- local.s
+    .data
+    .word start
+here: .word here
+    .text
+    .global start
+start: .word here
+--- local.cmd
+--entry_point=start
+MEMORY { FLASH (RX) : o = 0x100, l = 0x1000  RAM (RW) : o = 0x20000000, l = 0x100 }
+SECTIONS { .text : {} > FLASH   .data : {} LOAD = FLASH, RUN = RAM }
+--- args
+local.o local.cmd -o out.elf -m out.map --mapfile_contents=none,sym_defs
+--- text out.map has
+20000004   local     here (.data)
+ 00000104
+00000108   global    start (.text)
+--- text out.map lacks
+ e0000
