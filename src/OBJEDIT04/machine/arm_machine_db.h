@@ -62,6 +62,7 @@ class ARM_MACHINE_DB final : public OF_MACHINE_DB {
     // else an offset from the section's run address plus that address.
     void find_mapping_syms() override;
     SECTION_MODE section_mode_addr(OF_SECTION* section, unsigned addr);
+    bool is_mapped_from_start(OF_SECTION* section); // a mapping symbol stands at its first byte
     static const char* mapping_sym_name(SECTION_MODE mode);
     static SECTION_MODE mapping_sym_mode(const char* name); // SM_UNKNOWN for any other name
     void forget_mapping_syms();                             // symbols have changed: search again

@@ -119,8 +119,13 @@ ARM_TYPES::SECTION_MODE ARM_MACHINE_DB::section_mode_addr(OF_SECTION* section, u
     return default_mode(section);
 }
 
-// Stretches run from one mapping symbol to the next; what precedes the first is data unless the
-// section's default says otherwise. A stretch's last incomplete unit stays as it is.
+bool ARM_MACHINE_DB::is_mapped_from_start(OF_SECTION* section) {
+    const MAPPINGS* list = mappings_of(section);
+    return list && !list->empty() && list->front().addr == section->run_addr();
+}
+
+// Stretches run from one mapping symbol to the next; what precedes the first is data, for only data
+// may do without. A stretch's last incomplete unit stays as it is.
 void ARM_MACHINE_DB::swap_be8_code(OF_SECTION* section) {
     if (!section->initialized() || !section->exec()) return;
     unsigned size = section->size_in_bytes();
@@ -134,7 +139,7 @@ void ARM_MACHINE_DB::swap_be8_code(OF_SECTION* section) {
         for (; from + unit <= to; from += unit) std::reverse(bytes + from, bytes + from + unit);
     };
     uint64_t from = 0;
-    SECTION_MODE mode = default_mode(section);
+    SECTION_MODE mode = ARM_TYPES::SM_DATA;
     if (list)
         for (const MAPPING& m : *list) {
             uint64_t at = std::min<uint64_t>(m.addr - base, size);

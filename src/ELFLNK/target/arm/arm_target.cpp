@@ -9,6 +9,8 @@
 #include "ELFLNK/file/file_manager.h"
 #include "ELFLNK/file/obj_file.h"
 #include "ELFLNK/mapfile/map_file.h"
+#include "ELFLNK/object/root_collection.h"
+#include "ELFLNK/object/section.h"
 #include "ELFLNK/target/arm/arm_eabi.h"
 #include "OBJEDIT04/machine/arm_machine_db.h"
 #include "OBJEDIT04/ofe/object_file.h"
@@ -212,8 +214,28 @@ void ARM_TARGET::be8_output_check() {
     }
 }
 
+// A section of data in the guise of code needs no mapping symbol in its own file; in the output it
+// must not count as what lies before it.
+void ARM_TARGET::mark_unmapped_sections() {
+    for (OBJ_FILE* file : file_manager.object_files()) {
+        ARM_MACHINE_DB* machine = ARM_MACHINE_DB::of(file->object_file());
+        if (machine == nullptr) continue;
+        OFE::OF_SECTION_TABLE* table = file->object_file()->section_table();
+        for (unsigned id = 0; id < table->scnnum(); id++) {
+            SECTION* object = root_collection->lookup_section(file->object_file()->file_id(), id);
+            OFE::OF_SECTION* output = object != nullptr ? object->output_OF_SECTION() : nullptr;
+            if (output == nullptr || machine->is_mapped_from_start(table->section(id))) continue;
+            output_machine()->add_mapping(output, static_cast<unsigned>(object->run_address()),
+                                          OFE::ARM_TYPES::SM_DATA);
+        }
+    }
+}
+
 void ARM_TARGET::finalize_section_data(OFE::OF_SECTION* section) {
-    if (needs_be8_code_swap_) output_machine()->swap_be8_code(section);
+    if (!needs_be8_code_swap_) return;
+    if (!unmapped_sections_marked_) mark_unmapped_sections();
+    unmapped_sections_marked_ = true;
+    output_machine()->swap_be8_code(section);
 }
 
 void ARM_TARGET::finalize_output_file() {

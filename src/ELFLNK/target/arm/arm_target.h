@@ -42,8 +42,10 @@ class ARM_TARGET final : public TARGET {
     void init_output_ELF_file(OFE::OBJECT_FILE* output, OFE::OBJECT_FILE* first);
     void normalize_section_data(OBJ_FILE* file);
     void be8_output_check();
+    void mark_unmapped_sections();
     void check_symver_options();
 
     ARM_ARCH_TYPES silicon_;
+    bool unmapped_sections_marked_ = false;
     bool needs_be8_code_swap_ = true; ///< the output is big-endian with little-endian code
 };

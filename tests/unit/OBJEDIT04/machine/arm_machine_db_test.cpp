@@ -122,6 +122,21 @@ TEST_F(ArmMachineDb, swaps_code_by_its_mode_and_twice_is_as_before) {
     EXPECT_EQ(std::memcmp(text_->bytes().data, code, sizeof code), 0);
 }
 
+TEST_F(ArmMachineDb, swaps_nothing_where_no_mapping_symbol_says_code) {
+    const uint8_t code[8] = {0, 1, 2, 3, 4, 5, 6, 7};
+    text_->write_to_raw_data(code, sizeof code, 0);
+    db_->swap_be8_code(text_);
+    EXPECT_EQ(std::memcmp(text_->bytes().data, code, sizeof code), 0);
+    EXPECT_FALSE(db_->is_mapped_from_start(text_));
+    symbol("$t", 0x8004);
+    db_->swap_be8_code(text_);
+    const uint8_t swapped[8] = {0, 1, 2, 3, 5, 4, 7, 6};
+    EXPECT_EQ(std::memcmp(text_->bytes().data, swapped, sizeof swapped), 0);
+    EXPECT_FALSE(db_->is_mapped_from_start(text_));
+    symbol("$d", 0x8000);
+    EXPECT_TRUE(db_->is_mapped_from_start(text_));
+}
+
 TEST_F(ArmMachineDb, keeps_the_code_byte_order_in_the_header) {
     file_->set_flags(0x05000000);
     EXPECT_EQ(db_->eabi_version(), 5u);
