@@ -327,7 +327,7 @@ TEST(UserMsg, warnings_can_count_as_errors) {
 
 TEST(UserMsg, a_fault_of_the_tool_is_in_parentheses) {
     EXPECT_EXIT(USER_MSG::get_umsg_obj()->die("f()", "bad %d", 3), testing::KilledBySignal(SIGABRT),
-                "\\(f\\(\\): bad");
+                "\\(f\\(\\):[[:space:]]+bad[[:space:]]+3\\)");
     CAPTURE out;
     USER_MSG::get_umsg_obj()->apperror("odd");
     EXPECT_NE(out.text().find("internal error #99924: (odd)\n"), std::string::npos);
