@@ -5,6 +5,13 @@
 --retain=*(.stack)
 --stack_size=0x2000
 
+/*
+ * Some members of newlib are written in assembly and carry no attribute that says they preserve the alignment of the
+ * stack (memchr and strlen, here), so the linker can't tell and calls them incompatible with C code, which needs it:
+ * error 16005. They do preserve it. This takes back just that message.
+ */
+--diag_suppress=16005
+
 MEMORY
 {
     FLASH (RX)  : origin = 0x00000000, length = 512K

@@ -3,6 +3,7 @@
 
     A sentence that says the rule.
     --- a.s                        an input; options of the assembler or compiler may follow: --- a.c -mcpu=cortex-a15
+                                   assembly gets the attribute that says it preserves alignment; `raw`: it doesn't
     --- link.cmd                   any other name is written as it stands
     --- archive lib.a x.o y.o      an archive of objects built from inputs above
     --- hex junk.bin               a file of bytes in hexadecimal, blanks and # comments ignored
@@ -45,6 +46,8 @@ TOOLS = "arm-none-eabi-"
 CHECKS = {"args", "env", "exit", "stdout", "stderr", "text", "sym", "section", "segments", "entry", "bytes", "dis",
           "readelf", "elflint", "file", "no-file", "run"}
 ONCE = {"args", "env", "exit", "stdout", "stderr", "segments", "entry"}
+# What a compiler says of its code and hand-written assembly has to say itself: the stack stays aligned to 8 bytes.
+PROMISE = ".eabi_attribute 25, 1\n"
 QEMU = {"mps2-an385": "cortex-m3", "mps2-an386": "cortex-m4", "mps2-an505": "cortex-m33", "virt": "cortex-a15",
         "vexpress-a9": "cortex-a9"}
 
@@ -104,7 +107,11 @@ def make_input(head, body, work):
     else:
         path = work / kind
         path.parent.mkdir(parents=True, exist_ok=True)
-        path.write_text(body_text(body))
+        text = body_text(body)
+        if path.suffix in (".s", ".S") and "raw" not in rest:
+            text += PROMISE
+        rest = [r for r in rest if r != "raw"]
+        path.write_text(text)
         if path.suffix in (".s", ".S", ".c", ".cpp"):
             compile_source(kind, rest, work)
 

@@ -11,6 +11,7 @@
 class ABI;
 class COLLECTION;
 class COMMAND_FILE;
+class FCOMPAT;
 class LINKER_OBJECT;
 class LOCATOR;
 class OBJ_FILE;
@@ -45,6 +46,8 @@ class TARGET {
     // --- input files
 
     virtual void check_linker_compatibility(OBJ_FILE*) {}
+    /// The comparison of an input with the output, set up; null if the target makes none.
+    virtual FCOMPAT* fcompat(OBJ_FILE*, OBJ_FILE*) { return nullptr; }
     virtual void check_advice() {}
     virtual void add_migration_assistance_symbols(OBJ_FILE*) {}
     virtual bool is_static_reloc_file(OFE::OBJECT_FILE*) const { return false; }

@@ -3,6 +3,7 @@
 
 #include <cstring>
 
+#include "OBJEDIT04/attributes/build_attr_table.h"
 #include "OBJEDIT04/elf/elf32_rw.h"
 #include "OBJEDIT04/elf/elf_scn_attr_table.h"
 #include "OBJEDIT04/elf/elf_section.h"
@@ -58,7 +59,7 @@ int ELF_FILE::clear() {
     ehdr_.e_type = ET_REL;
     segments_->clear();
     sections_->clear();
-    symtab_index_ = 0;
+    symtab_index_ = build_attr_index_ = build_attr_searched_ = 0;
     symtab_searched_ = symalias_searched_ = elf_header_in_segment_ = false;
     symalias_ = nullptr;
     for (int kind = 0; kind < QV_SH_ATTR_KINDS; ++kind) {
@@ -203,6 +204,46 @@ OF_SYMBOL_TABLE* ELF_FILE::dynamic_symbol_table() {
     return i ? sections_->elf_section(i)->symbol_table_api() : nullptr;
 }
 
+// The first vendor that has a subsection of its own; the processor's public one is nobody's.
+const char* ELF_FILE::vendor() {
+    OF_BUILD_ATTR_TABLE* table = build_attributes_exist() ? build_attributes() : nullptr;
+    const char* abi = machine_db()->ofba_abi_scn_name();
+    for (unsigned i = 0; table && i < table->vscn_num(); ++i)
+        if (!abi || std::strcmp(table->vscn(i)->name(), abi) != 0) return table->vscn(i)->name();
+    return nullptr;
+}
+
+bool ELF_FILE::build_attributes_supported() const {
+    bool supported = false;
+    return machine_db()->of_supports_build_attributes(const_cast<ELF_FILE*>(this), supported) &&
+           supported;
+}
+
+// Looked for again when there are more sections than at the last search.
+unsigned ELF_FILE::build_attr_index() {
+    if (build_attr_index_ != 0 && sections_->is_deleted(build_attr_index_)) build_attr_index_ = 0;
+    if (build_attr_index_ == 0 && build_attr_searched_ != sections_->scnnum()) {
+        build_attr_searched_ = sections_->scnnum();
+        if (build_attributes_supported())
+            build_attr_index_ = sections_->lookup_section_by_type(SHT_ATTRIBUTES);
+    }
+    return build_attr_index_;
+}
+
+OF_BUILD_ATTR_TABLE* ELF_FILE::build_attributes() {
+    if (build_attr_index() == 0) {
+        if (is_input() || own_state() != OF_STATE_OPEN || !build_attributes_supported())
+            return nullptr;
+        OF_SECTION* s = sections_->new_section("__QV_build_attributes");
+        if (!s) return nullptr;
+        build_attr_index_ = s->id();
+    }
+    ELF_SECTION* s = sections_->elf_section(build_attr_index_);
+    OF_BUILD_ATTR_TABLE* table = s ? s->build_attr_api() : nullptr;
+    if (table) table->load();
+    return table;
+}
+
 ELF_SECTION* ELF_FILE::find_attr_section(int kind) {
     OF_MACHINE_DB* db = machine_db();
     unsigned i = db->elf_match_qv_sh_attr_type(kind)
@@ -243,9 +284,10 @@ ELF_SYMALIAS_TABLE* ELF_FILE::symalias_table(bool create) {
 }
 
 void ELF_FILE::translate_cached_indices(const RECORD_MAP<unsigned>& map) {
-    if (symtab_index_ == 0) return;
-    unsigned to = symtab_index_ < map.size() ? map[symtab_index_] : OF_DELETED;
-    symtab_index_ = to == OF_DELETED ? 0 : to;
+    for (unsigned* index : {&symtab_index_, &build_attr_index_}) {
+        unsigned to = *index < map.size() ? map[*index] : OF_DELETED;
+        if (*index != 0) *index = to == OF_DELETED ? 0 : to;
+    }
 }
 
 void ELF_FILE::forget_companions(ELF_SECTION* section) {

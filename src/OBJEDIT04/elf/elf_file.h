@@ -36,13 +36,16 @@ class ELF_FILE final : public OBJECT_FILE {
     OF_ENDIAN machine_endian() const override;
     int set_machine_endian(OF_ENDIAN e) override;
     OF_ENDIAN control_endian() const override { return machine_endian(); }
-    const char* vendor() override { return nullptr; }
+    const char* vendor() override;
     unsigned flags() const override { return ehdr_.e_flags; }
     int set_flags(unsigned flags) override;
     int clear() override;
     bool values_are_scnrel() override { return ehdr_.e_type == ET_REL; }
     bool represents_groups_with_sections() const override { return true; }
     bool has_dynamic_linkage() override;
+    bool build_attributes_supported() const override;
+    bool build_attributes_exist() override { return build_attr_index() != 0; }
+    OF_BUILD_ATTR_TABLE* build_attributes() override;
 
     OF_SECTION_TABLE* section_table() override;
     OF_SYMBOL_TABLE* symbol_table() override;
@@ -60,7 +63,8 @@ class ELF_FILE final : public OBJECT_FILE {
     bool big() const { return machine_endian() == OF_ENDIAN_BIG; }
     unsigned unit_bytes() const; // bytes of an addressable unit of the machine
     void set_symtab_index(unsigned i) { symtab_index_ = i; }
-    unsigned symtab_index(); // section index; 0: none
+    unsigned symtab_index();     // section index; 0: none
+    unsigned build_attr_index(); // likewise
 
     // Extended section attributes (the flag word, the page word) and symbol aliases: null when
     // there is none.
@@ -103,6 +107,8 @@ class ELF_FILE final : public OBJECT_FILE {
     bool elf_header_in_segment_ = false;
     bool symtab_searched_ = false;
     unsigned symtab_index_ = 0;
+    unsigned build_attr_index_ = 0;
+    unsigned build_attr_searched_ = 0; // the sections that there were at the last search
     ELF_SECTION* attr_sections_[QV_SH_ATTR_KINDS] = {};
     bool attr_searched_[QV_SH_ATTR_KINDS] = {};
     ELF_SYMALIAS_TABLE* symalias_ = nullptr;

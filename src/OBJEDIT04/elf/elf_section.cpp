@@ -3,6 +3,7 @@
 
 #include <cstring>
 
+#include "OBJEDIT04/attributes/build_attr_table.h"
 #include "OBJEDIT04/elf/elf_file.h"
 #include "OBJEDIT04/elf/elf_group_table.h"
 #include "OBJEDIT04/elf/elf_reloc.h"
@@ -286,6 +287,10 @@ bool ELF_SECTION::make_companion() {
     case SHT_GROUP:
         companion_ = std::make_unique<ELF_GROUP_TABLE>(this);
         break;
+    case SHT_ATTRIBUTES:
+        if (!ofile()->build_attributes_supported()) return false;
+        companion_ = std::make_unique<OF_BUILD_ATTR_TABLE>(this);
+        break;
     default:
         return false;
     }
@@ -312,13 +317,19 @@ ELF_GROUP_TABLE* ELF_SECTION::group_table_api() {
     make_companion();
     return static_cast<ELF_GROUP_TABLE*>(companion_.get());
 }
+// These two go by the section's name: one whose type asks for another companion gets that one, and is
+// no table of theirs.
 ELF_SCN_ATTR_TABLE* ELF_SECTION::scn_attr_table_api(int kind) {
-    if (!companion_) companion_ = std::make_unique<ELF_SCN_ATTR_TABLE>(this, kind);
+    if (!make_companion()) companion_ = std::make_unique<ELF_SCN_ATTR_TABLE>(this, kind);
     return dynamic_cast<ELF_SCN_ATTR_TABLE*>(companion_.get());
 }
 ELF_SYMALIAS_TABLE* ELF_SECTION::symalias_api() {
-    if (!companion_) companion_ = std::make_unique<ELF_SYMALIAS_TABLE>(this);
+    if (!make_companion()) companion_ = std::make_unique<ELF_SYMALIAS_TABLE>(this);
     return dynamic_cast<ELF_SYMALIAS_TABLE*>(companion_.get());
+}
+OF_BUILD_ATTR_TABLE* ELF_SECTION::build_attr_api() {
+    if (shdr_.sh_type != SHT_ATTRIBUTES) return nullptr;
+    return make_companion() ? static_cast<OF_BUILD_ATTR_TABLE*>(companion_.get()) : nullptr;
 }
 
 OF_GROUP_TABLE* ELF_SECTION::group_api() {

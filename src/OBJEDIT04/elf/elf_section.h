@@ -17,6 +17,7 @@ class ELF_SECTION_TABLE;
 class ELF_STRING_TABLE;
 class ELF_SYMALIAS_TABLE;
 class ELF_SYMBOL_TABLE;
+class OF_BUILD_ATTR_TABLE;
 
 class ELF_SECTION final : public OF_SECTION {
   public:
@@ -110,6 +111,7 @@ class ELF_SECTION final : public OF_SECTION {
     ELF_GROUP_TABLE* group_table_api();
     ELF_SCN_ATTR_TABLE* scn_attr_table_api(int kind);
     ELF_SYMALIAS_TABLE* symalias_api();
+    OF_BUILD_ATTR_TABLE* build_attr_api();
     OF_STATE_MACHINE* companion() const { return companion_.get(); }
 
     int lock_section();

@@ -5,7 +5,7 @@
 
 #include <cstring>
 
-#include "OBJEDIT04/attributes/file_attributes.h"
+#include "OBJEDIT04/attributes/build_attr_table.h"
 #include "OBJEDIT04/elf/elf_file.h"
 #include "OBJEDIT04/machine/reloc_type.h"
 #include "OBJEDIT04/ofe/of_section.h"
@@ -157,9 +157,9 @@ bool ARM_MACHINE_DB::elf_sh_flag_name(ELF_SECTION*, unsigned flag, const char*& 
 unsigned ARM_MACHINE_DB::find_isa_version() {
     if (isa_version_ != 0) return isa_version_;
     if (found_version_ < 0) {
-        auto tag = file_attribute(file_, OFBA_VENDOR_QV, TAG_QV_ISA);
-        if (!tag) tag = file_attribute(file_, OFBA_VENDOR_AEABI, TAG_CPU_ARCH);
-        found_version_ = static_cast<int>(tag.value_or(0) & 0xFFFF);
+        OFBA_ATTR* attr = file_->qv_battr(TAG_QV_ISA);
+        if (!attr) attr = file_->abi_battr(TAG_CPU_ARCH);
+        found_version_ = attr ? static_cast<int>(attr->val.uval & 0xFFFF) : 0;
     }
     return static_cast<unsigned>(found_version_);
 }
@@ -167,15 +167,15 @@ unsigned ARM_MACHINE_DB::find_isa_version() {
 unsigned ARM_MACHINE_DB::find_isa_profile() {
     if (isa_profile_ != 0) return isa_profile_;
     if (found_profile_ < 0) {
-        auto tag = file_attribute(file_, OFBA_VENDOR_QV, TAG_QV_CPU_ARCH_PROFILE);
-        if (!tag) tag = file_attribute(file_, OFBA_VENDOR_AEABI, TAG_CPU_ARCH_PROFILE);
-        found_profile_ = static_cast<int>(tag.value_or(0) & 0xFFFF);
+        OFBA_ATTR* attr = file_->qv_battr(TAG_QV_CPU_ARCH_PROFILE);
+        if (!attr) attr = file_->abi_battr(TAG_CPU_ARCH_PROFILE);
+        found_profile_ = attr ? static_cast<int>(attr->val.uval & 0xFFFF) : 0;
     }
     return static_cast<unsigned>(found_profile_);
 }
 
 void ARM_MACHINE_DB::set_isa_version(unsigned version, bool forced) {
-    if (forced || version > find_isa_version()) isa_version_ = version;
+    if (forced || isa_rank(version) > isa_rank(find_isa_version())) isa_version_ = version;
 }
 
 void ARM_MACHINE_DB::set_isa_profile(unsigned profile, bool forced) {
@@ -186,6 +186,13 @@ const char* ARM_MACHINE_DB::isa_version_name(unsigned version) {
     return version < std::size(ISA_NAMES) ? ISA_NAMES[version] : "unknown";
 }
 
+unsigned ARM_MACHINE_DB::isa_rank(unsigned version) {
+    constexpr unsigned FIRST = 10;
+    constexpr unsigned RANKS[] = {12, 10, 11, 13}; // v7, v6-M, v6S-M, v7E-M
+    return version >= FIRST && version - FIRST < std::size(RANKS) ? RANKS[version - FIRST]
+                                                                  : version;
+}
+
 unsigned ARM_MACHINE_DB::eabi_version() {
     return file_->flags() >> 24;
 }
@@ -193,11 +200,13 @@ unsigned ARM_MACHINE_DB::eabi_version() {
 unsigned ARM_MACHINE_DB::be_enc() {
     if (file_->flags() & EF_ARM_BE8) return 1;
     if (be_enc_ != 0) return be_enc_;
-    return file_attribute(file_, OFBA_VENDOR_QV, TAG_QV_BE_ENC).value_or(0);
+    return file_->qv_battr_uval(TAG_QV_BE_ENC);
 }
 
 void ARM_MACHINE_DB::set_be_enc(unsigned enc) {
     be_enc_ = enc;
+    if (OFBA_VENDOR_SCN* vendor = file_->qv_battr_vendor_section())
+        if (OFBA_ATTR_LIST* list = vendor->file_list()) list->set_uval(TAG_QV_BE_ENC, enc);
     file_->set_flags(enc == 1 ? file_->flags() | EF_ARM_BE8 : file_->flags() & ~EF_ARM_BE8);
 }
 

@@ -43,6 +43,10 @@ class ARM_MACHINE_DB final : public OF_MACHINE_DB {
     void of_update_symbol_refs(OF_SYMBOL_TABLE*) override { forget_mapping_syms(); }
     bool of_supports_build_attributes(OBJECT_FILE* file, bool& supported) override;
     const char* ofba_abi_scn_name() const override { return "aeabi"; }
+    void of_build_tag_hash(OFBA_TAG_MAP* tags) override;
+    bool ofba_arg_types(const OFBA_TAG* tag, OFBA_AVAL_TYPE& type) override;
+    bool of_tag_value(const OFBA_TAG* tag, OFBA_AVAL value, const char*& text) override;
+    void of_battr_changed() override { found_version_ = found_profile_ = -1; }
     bool elf_special_section_name(ELF_SECTION_TABLE*, const char* name,
                                   const char*& special) override;
     bool elf_gnu_symver(ELF_FILE*, bool& gnu) override;
@@ -77,6 +81,8 @@ class ARM_MACHINE_DB final : public OF_MACHINE_DB {
     void set_isa_version(unsigned version, bool forced = true);
     void set_isa_profile(unsigned profile, bool forced = true);
     static const char* isa_version_name(unsigned version);
+    // Orders the versions: those for microcontrollers stand between the ones they derive from.
+    static unsigned isa_rank(unsigned version);
 
     unsigned eabi_version(); // top byte of e_flags
     unsigned be_enc(); // 1: code is little-endian in a big-endian file; 2: all big-endian; 0 unsaid

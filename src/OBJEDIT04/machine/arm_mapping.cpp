@@ -2,7 +2,6 @@
 // from them.
 #include <algorithm>
 
-#include "OBJEDIT04/attributes/file_attributes.h"
 #include "OBJEDIT04/machine/arm_machine_db.h"
 #include "OBJEDIT04/ofe/object_file.h"
 #include "OBJEDIT04/ofe/of_section.h"
@@ -103,8 +102,8 @@ const ARM_MACHINE_DB::MAPPINGS* ARM_MACHINE_DB::mappings_of(OF_SECTION* section)
 ARM_TYPES::SECTION_MODE ARM_MACHINE_DB::default_mode(OF_SECTION* section) {
     if (!section->exec()) return ARM_TYPES::SM_UNKNOWN;
     if (find_isa_profile() == PROFILE_M) return ARM_TYPES::SM_THUMB;
-    if (file_attribute(file_, OFBA_VENDOR_AEABI, TAG_THUMB_ISA_USE).value_or(0) != 0 &&
-        file_attribute(file_, OFBA_VENDOR_AEABI, TAG_ARM_ISA_USE).value_or(0) == 0)
+    if (file_->abi_battr_uval(TAG_THUMB_ISA_USE) != 0 &&
+        file_->abi_battr_uval(TAG_ARM_ISA_USE) == 0)
         return ARM_TYPES::SM_THUMB;
     return ARM_TYPES::SM_ARM;
 }

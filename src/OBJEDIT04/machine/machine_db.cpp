@@ -1,7 +1,7 @@
 // The answers of a machine that nothing is known about, and the factory.
 #include "OBJEDIT04/machine/machine_db.h"
 
-#include "OBJEDIT04/attributes/file_attributes.h"
+#include "OBJEDIT04/attributes/build_attr_tag.h"
 #include "OBJEDIT04/machine/arm_machine_db.h"
 #include "OBJEDIT04/ofe/object_file.h"
 #include "OBJEDIT04/ofe/of_section.h"
@@ -26,7 +26,7 @@ std::unique_ptr<OF_MACHINE_DB> OF_MACHINE_DB::machine_db(OBJECT_FILE* file, OF_M
 }
 
 unsigned OF_MACHINE_DB::rts_vendor() const {
-    return file_ ? file_attribute(file_, OFBA_VENDOR_QV, TAG_RTS_VENDOR).value_or(0) : 0;
+    return file_ ? file_->qv_battr_uval(TAG_RTS_VENDOR) : 0;
 }
 
 OF_ENDIAN OF_MACHINE_DB::of_section_endian(OF_SECTION* section) {
@@ -52,6 +52,11 @@ void OF_MACHINE_DB::set_noinit(OF_SECTION* section, bool noinit) {
 bool OF_MACHINE_DB::of_supports_build_attributes(OBJECT_FILE*, bool& supported) {
     supported = false;
     return false;
+}
+
+bool OF_MACHINE_DB::of_tag_value(const OFBA_TAG* tag, OFBA_AVAL value, const char*& text) {
+    text = !tag->known ? "(unknown)" : tag->kind == OFBA_AVAL_TEXT ? value.str : nullptr;
+    return text != nullptr;
 }
 
 bool OF_MACHINE_DB::elf_ei_osabi_name(ELF_FILE*, unsigned char, bool, const char*& name) {

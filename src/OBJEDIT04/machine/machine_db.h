@@ -9,6 +9,8 @@
 
 #include "OBJEDIT04/ofe/of_types.h"
 
+class DATA_MAP;
+
 namespace OFE {
 
 class OBJECT_FILE;
@@ -17,6 +19,11 @@ class OF_SECTION_TABLE;
 class OF_SYMBOL;
 class OF_SYMBOL_TABLE;
 class OF_MACHINE_RELTYPES;
+class OFBA_TAG_MAP;
+struct OFBA_ATTR;
+struct OFBA_AVAL;
+struct OFBA_TAG;
+enum OFBA_AVAL_TYPE : int;
 class ELF_FILE;
 class ELF_SECTION;
 class ELF_SECTION_TABLE;
@@ -41,8 +48,7 @@ class OF_MACHINE_DB {
     virtual unsigned qvcoff_magic() const { return 0; }
     virtual unsigned elf_magic() const { return 0; }
     virtual unsigned unit_size() const { return 8; } // bits of an addressable unit
-    virtual unsigned
-    rts_vendor() const; // 0 unknown; see the vendor attribute for the run-time library
+    virtual unsigned rts_vendor() const; // the vendor of the run-time library; 0 unknown
 
     virtual OF_ENDIAN of_section_endian(OF_SECTION* section);
     virtual unsigned seg_attr_p_type() const { return 0; }
@@ -62,6 +68,16 @@ class OF_MACHINE_DB {
 
     virtual bool of_supports_build_attributes(OBJECT_FILE* file, bool& supported);
     virtual const char* ofba_abi_scn_name() const { return nullptr; }
+    // The tags that the processor defines for a vendor, and what follows one of them.
+    virtual void of_build_tag_hash(OFBA_TAG_MAP*) {}
+    virtual bool ofba_arg_types(const OFBA_TAG*, OFBA_AVAL_TYPE&) { return false; }
+    // True: the value has been read or written.
+    virtual bool ofba_attr_load(OFBA_ATTR&, DATA_MAP&) { return false; }
+    virtual bool ofba_attr_save(const OFBA_ATTR&, DATA_MAP&) { return false; }
+    // A value in words. The base knows texts, and tags that no table knows; false for the rest.
+    virtual bool of_tag_value(const OFBA_TAG* tag, OFBA_AVAL value, const char*& text);
+    // An attribute of the file has changed.
+    virtual void of_battr_changed() {}
 
     virtual bool elf_ei_osabi_name(ELF_FILE*, unsigned char osabi, bool brief, const char*& name);
     virtual bool elf_special_section_name(ELF_SECTION_TABLE*, const char* name,

@@ -13,6 +13,9 @@ class DATA_MAP;
 namespace OFE {
 
 class OBJECT_FILE;
+class OFBA_VENDOR_SCN;
+struct OFBA_ATTR;
+class OF_BUILD_ATTR_TABLE;
 class OF_GROUP_TABLE;
 class OF_MACHINE_DB;
 class OF_MACHINE_RELTYPES;
@@ -50,7 +53,6 @@ class OBJECT_FILE : public OF_STATE_MACHINE {
     virtual int clear() = 0;
     virtual bool values_are_scnrel() = 0; // symbol values count from their section's start
     virtual bool represents_groups_with_sections() const { return false; }
-    virtual bool build_attributes_supported() const { return false; }
     virtual bool has_dynamic_linkage() { return false; } // a shared object or a dynamic executable
     bool is_file_zero_init() const { return zero_init_; }
     virtual bool is_load_image_file() { return false; }
@@ -99,13 +101,87 @@ class OBJECT_FILE : public OF_STATE_MACHINE {
     const OF_RELOC_TYPE* machine_reloc_type(unsigned number);
     const OF_RELOC_TYPE* machine_reloc_type(const char* name);
 
+    // Build attributes: what is said of the file, a symbol or a section, by a vendor's name, by
+    // this vendor (qv_) or in the public subsection of the processor (abi_). Null, 0 and "" when
+    // absent.
+    virtual bool build_attributes_supported() const { return false; }
+    virtual bool build_attributes_exist() = 0;
+    virtual OF_BUILD_ATTR_TABLE*
+    build_attributes() = 0; // made in a file built in memory; else null when there is none
+    OFBA_VENDOR_SCN* battr_vendor_section(const char* vendor);
+    OFBA_ATTR* battr(const char* vendor, unsigned tag);
+    OFBA_ATTR* battr_create(const char* vendor, unsigned tag); // with all that it stands in
+    unsigned battr_uval(const char* vendor, unsigned tag);
+    const char* battr_str(const char* vendor, unsigned tag);
+    OFBA_ATTR* battr_symbol(const char* vendor, OF_SYMBOL* symbol, unsigned tag);
+    unsigned battr_symbol_uval(const char* vendor, OF_SYMBOL* symbol, unsigned tag);
+    const char* battr_symbol_str(const char* vendor, OF_SYMBOL* symbol, unsigned tag);
+    OFBA_ATTR* battr_section(const char* vendor, OF_SECTION* section, unsigned tag);
+    unsigned battr_section_uval(const char* vendor, OF_SECTION* section, unsigned tag);
+    const char* battr_section_str(const char* vendor, OF_SECTION* section, unsigned tag);
+#define OFBA_ACCESSORS(prefix, vendor)                                                             \
+    OFBA_VENDOR_SCN* prefix##_battr_vendor_section() {                                             \
+        return battr_vendor_section(vendor);                                                       \
+    }                                                                                              \
+    OFBA_ATTR* prefix##_battr(unsigned t) {                                                        \
+        return battr(vendor, t);                                                                   \
+    }                                                                                              \
+    OFBA_ATTR* prefix##_battr_create(unsigned t) {                                                 \
+        return battr_create(vendor, t);                                                            \
+    }                                                                                              \
+    unsigned prefix##_battr_uval(unsigned t) {                                                     \
+        return battr_uval(vendor, t);                                                              \
+    }                                                                                              \
+    const char* prefix##_battr_str(unsigned t) {                                                   \
+        return battr_str(vendor, t);                                                               \
+    }                                                                                              \
+    OFBA_ATTR* prefix##_battr_symbol(OF_SYMBOL* s, unsigned t) {                                   \
+        return battr_symbol(vendor, s, t);                                                         \
+    }                                                                                              \
+    unsigned prefix##_battr_symbol_uval(OF_SYMBOL* s, unsigned t) {                                \
+        return battr_symbol_uval(vendor, s, t);                                                    \
+    }                                                                                              \
+    const char* prefix##_battr_symbol_str(OF_SYMBOL* s, unsigned t) {                              \
+        return battr_symbol_str(vendor, s, t);                                                     \
+    }                                                                                              \
+    OFBA_ATTR* prefix##_battr_section(OF_SECTION* s, unsigned t) {                                 \
+        return battr_section(vendor, s, t);                                                        \
+    }                                                                                              \
+    unsigned prefix##_battr_section_uval(OF_SECTION* s, unsigned t) {                              \
+        return battr_section_uval(vendor, s, t);                                                   \
+    }                                                                                              \
+    const char* prefix##_battr_section_str(OF_SECTION* s, unsigned t) {                            \
+        return battr_section_str(vendor, s, t);                                                    \
+    }
+    OFBA_ACCESSORS(qv, qv_battr_vendor())
+    OFBA_ACCESSORS(abi, abi_battr_vendor())
+#undef OFBA_ACCESSORS
+
+    // Who made the file, in this vendor's subsection. The versions are false when it doesn't say.
+    virtual const char* producer_name() {
+        return qv_battr_str(TAG_PRODUCER_NAME);
+    }
+    virtual bool producer_major_version(unsigned& v) {
+        return producer_version(TAG_VMAJOR, v);
+    }
+    virtual bool producer_minor_version(unsigned& v) {
+        return producer_version(TAG_VMINOR, v);
+    }
+    virtual bool producer_patch_version(unsigned& v) {
+        return producer_version(TAG_VPATCH, v);
+    }
+    virtual const char* producer_version_str(); // "unknown", or as "4.5.3" or "4.5.x"
+    virtual int set_producer(const char* name, unsigned major, unsigned minor, unsigned patch);
+
     // Raw file access for the format classes. Offsets count from the object's start in its file.
     int get_file_data(DATA_MAP& map, unsigned offset, unsigned size);
     int put_file_data(DATA_MAP& map, unsigned offset);
     int put_file_bytes(const void* bytes, size_t size, unsigned offset);
     uint8_t* output_bytes(unsigned offset,
                           size_t size); // the mapped output from `saved` on; null: not mapped
-    const OF_BYTES& image() const { return image_; } // the bytes of an input file
+    const OF_BYTES& image() const {
+        return image_;
+    } // the bytes of an input file
     bool in_image(uint64_t offset, uint64_t size) const {
         return offset <= image_.size && size <= image_.size - offset;
     }
@@ -128,7 +204,9 @@ class OBJECT_FILE : public OF_STATE_MACHINE {
     static const char* sym_kind_name(OF_SYM_KIND k);
     static const char* sym_binding_name(OF_SYM_BINDING b);
     static const char* sym_type_name(OF_SYM_TYPE t);
-    static const char* load_image_symbol_name() { return ".QV.load_image"; }
+    static const char* load_image_symbol_name() {
+        return ".QV.load_image";
+    }
 
     // "Linker" in the linker; decides what the output carries for the next tool of the chain.
     static const char* tool_name_m;
@@ -138,13 +216,23 @@ class OBJECT_FILE : public OF_STATE_MACHINE {
 
     int take_input(const OF_FILE_HANDLE& handle); // map the bytes; -1: cannot be read
     void set_machine_db(OF_MACHINE machine);
-    void set_format(OF_FORMAT f) { handle_.format = f; }
-    void set_final_size(unsigned size) { handle_.size = size; }
+    void set_format(OF_FORMAT f) {
+        handle_.format = f;
+    }
+    void set_final_size(unsigned size) {
+        handle_.size = size;
+    }
 
     OF_FILE_HANDLE handle_;
     OF_BYTES image_;
 
   private:
+    static constexpr unsigned TAG_PRODUCER_NAME = 5, TAG_VMAJOR = 8, TAG_VMINOR = 10,
+                              TAG_VPATCH = 12;
+    static const char* qv_battr_vendor();
+    const char* abi_battr_vendor() const; // null: the machine has no public subsection
+    bool producer_version(unsigned tag, unsigned& version);
+
     friend OBJECT_FILE* new_OBJECT_FILE(OF_FILE_HANDLE, OF_ERROR_HANDLER);
     bool symbol_exists(const char* name);
     int prepare_output();
@@ -155,6 +243,7 @@ class OBJECT_FILE : public OF_STATE_MACHINE {
     OF_ERROR_CODE error_code_ = OF_ERROR_NONE;
     std::unique_ptr<char[]> error_copy_;
     OF_MACHINE_RELTYPES* reltypes_ = nullptr;
+    std::unique_ptr<uint8_t[]> image_copy_; // the file as it was saved, once it is open again
     uint8_t* output_map_ = nullptr; // the file from its start, output_map_size_ bytes
     size_t output_map_size_ = 0;
     bool write_failed_ = false;

@@ -3,6 +3,7 @@
 
 #include <cstring>
 
+#include "OBJEDIT04/attributes/build_attr_table.h"
 #include "OBJEDIT04/machine/machine_db.h"
 #include "OBJEDIT04/ofe/object_file.h"
 #include "OBJEDIT04/ofe/of_section.h"
@@ -169,6 +170,9 @@ int OF_SECTION_TABLE::update_translations(const RECORD_MAP<unsigned>& map) {
 int OF_SECTION_TABLE::patch_section_refs() {
     if (max_state(OF_STATE_LOCKED) != 0) return -1;
     if (!translations_pending_) return 0;
+    if (ofile()->build_attributes_exist())
+        if (OF_BUILD_ATTR_TABLE* attributes = ofile()->build_attributes())
+            attributes->update_section_refs(translations_);
     ofile()->machine_db()->of_update_section_refs(this);
     translations_.clear();
     translations_pending_ = false;

@@ -3,6 +3,7 @@
 
 #include <cstring>
 
+#include "OBJEDIT04/attributes/build_attr_table.h"
 #include "OBJEDIT04/machine/machine_db.h"
 #include "OBJEDIT04/ofe/object_file.h"
 #include "OBJEDIT04/ofe/of_symbol.h"
@@ -36,6 +37,7 @@ OF_SYMBOL* OF_SYMBOL_TABLE::new_symbol() {
     unsigned id = symnum_;
     if (symbols_.size() < symnum_) symbols_.resize(symnum_);
     OF_SYMBOL* s = alloc_symbol(id);
+    changed_ = true;
     symbols_.push_back(s);
     ++symnum_;
     if (!translations_.empty()) translations_.push_back(id);
@@ -48,6 +50,7 @@ OF_SYMBOL* OF_SYMBOL_TABLE::new_symbol_at(unsigned id) {
     if (id >= symnum_) return new_symbol();
     if (load_all_symbols_into_mem() != 0) return nullptr;
     OF_SYMBOL* s = alloc_symbol(id);
+    changed_ = true;
     symbols_.insert(symbols_.begin() + id, s);
     if (id < deleted_.size()) deleted_.insert(deleted_.begin() + id, false);
     RECORD_MAP<unsigned> map(symnum_);
@@ -91,6 +94,7 @@ int OF_SYMBOL_TABLE::purge_deleted_symbols() {
 void OF_SYMBOL_TABLE::replace_symbols(std::vector<OF_SYMBOL*>&& symbols,
                                       RECORD_MAP<unsigned>&& old_to_new) {
     symbols_ = std::move(symbols);
+    changed_ = true;
     symnum_ = static_cast<unsigned>(symbols_.size());
     deleted_.clear();
     has_deleted_ = false;
@@ -108,14 +112,14 @@ int OF_SYMBOL_TABLE::load_all_symbols_into_mem() {
 }
 
 void OF_SYMBOL_TABLE::unload_symbol(unsigned id) {
-    if (!from_file() || id >= symbols_.size()) return;
+    if (changed_ || !from_file() || id >= symbols_.size()) return;
     delete symbols_[id];
     symbols_[id] = nullptr;
     all_loaded_ = false;
 }
 
 void OF_SYMBOL_TABLE::unload() {
-    if (!from_file()) return;
+    if (changed_ || !from_file()) return;
     for (OF_SYMBOL* s : symbols_) delete s;
     symbols_ = {};
     all_loaded_ = false;
@@ -151,6 +155,9 @@ int OF_SYMBOL_TABLE::update_section_refs(const RECORD_MAP<unsigned>&) {
 int OF_SYMBOL_TABLE::patch_symbol_refs() {
     if (max_state(OF_STATE_LOCKED) != 0) return -1;
     if (!translations_pending_) return 0;
+    if (ofile()->build_attributes_exist())
+        if (OF_BUILD_ATTR_TABLE* attributes = ofile()->build_attributes())
+            attributes->update_symbol_refs(translations_);
     ofile()->machine_db()->of_update_symbol_refs(this);
     translations_.clear();
     translations_pending_ = false;

@@ -31,11 +31,12 @@ void show(const char *text) {
     register const char *r1 __asm__("r1") = text;
     __asm__ volatile("bkpt 0xab" : "+r"(r0) : "r"(r1) : "memory");
 }
---- code.c clang -mcpu=cortex-m3 -mthumb -O1 -ffunction-sections
+--- code.c clang -mcpu=cortex-m3 -mthumb -fshort-enums -O1 -ffunction-sections
 extern const char *const table[];
 const char *from_clang(void) { return table[2]; }
 --- link.cmd
 --entry_point=_start
+--diag_suppress=16010 /* GCC calls the processor 7-M, and clang cortex-m3 */
 --retain=*(.vectors)
 MEMORY { ROM : origin = 0, length = 0x10000   RAM : origin = 0x20000000, length = 0x4000 }
 SECTIONS

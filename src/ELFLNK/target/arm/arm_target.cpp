@@ -11,7 +11,10 @@
 #include "ELFLNK/mapfile/map_file.h"
 #include "ELFLNK/object/root_collection.h"
 #include "ELFLNK/object/section.h"
+#include "ELFLNK/symbol/symbol_file.h"
 #include "ELFLNK/target/arm/arm_eabi.h"
+#include "FCOMPAT/fcompat.h"
+#include "OBJEDIT04/attributes/build_attr_table.h"
 #include "OBJEDIT04/machine/arm_machine_db.h"
 #include "OBJEDIT04/ofe/object_file.h"
 #include "OBJEDIT04/ofe/of_section.h"
@@ -29,6 +32,7 @@ namespace {
 constexpr unsigned ISA_V6 = 6;
 constexpr unsigned ISA_WITH_THUMB2 = 8;
 constexpr unsigned FIRST_EABI_VERSION = 4;
+constexpr unsigned TAG_CPU_ARCH = 6;
 constexpr unsigned BE_ENC_NONE = 0, BE_ENC_BE8 = 1, BE_ENC_BE32 = 2;
 
 ARM_TARGET the_target;
@@ -135,6 +139,14 @@ void ARM_TARGET::check_linker_compatibility(OBJ_FILE* file) {
                     file->name(), OFE::OBJECT_FILE::machine_name(machine));
 }
 
+FCOMPAT* ARM_TARGET::fcompat(OBJ_FILE* output, OBJ_FILE* file) {
+    if (fcompat_ == nullptr) fcompat_ = FCOMPAT_FACTORY::get_fcompat(OFE::OF_MACHINE_ARM);
+    const OBJ_FILE* baseline = file_manager.baseline_file();
+    fcompat_->set_files(output->object_file(), baseline != nullptr ? baseline->name() : nullptr,
+                        file->object_file(), file_diag_name(file));
+    return fcompat_.get();
+}
+
 void ARM_TARGET::update_upon_scanning() {
     ARM_MACHINE_DB* output = output_machine();
     if (output == nullptr) return;
@@ -142,7 +154,8 @@ void ARM_TARGET::update_upon_scanning() {
     const unsigned profile = isa_profile_of(output);
     for (OBJ_FILE* file : file_manager.object_files()) {
         ARM_MACHINE_DB* machine = ARM_MACHINE_DB::of(file->object_file());
-        if (machine != nullptr && isa_version_of(machine) < version) {
+        if (machine != nullptr &&
+            ARM_MACHINE_DB::isa_rank(isa_version_of(machine)) < ARM_MACHINE_DB::isa_rank(version)) {
             machine->set_isa_version(version, true);
             machine->set_isa_profile(profile, true);
         }
@@ -173,7 +186,8 @@ void ARM_TARGET::init_output_file(OFE::OBJECT_FILE* output, OFE::OBJECT_FILE* fi
     ARM_MACHINE_DB* machine = ARM_MACHINE_DB::of(output);
     if (machine == nullptr) return;
     silicon_.set(global_opts->getstrarg(OPT_silicon_version));
-    if (silicon_.isa_version() > isa_version_of(machine)) {
+    if (ARM_MACHINE_DB::isa_rank(silicon_.isa_version()) >
+        ARM_MACHINE_DB::isa_rank(isa_version_of(machine))) {
         machine->set_isa_version(silicon_.isa_version());
         machine->set_isa_profile(silicon_.profile());
     }
@@ -241,8 +255,13 @@ void ARM_TARGET::finalize_section_data(OFE::OF_SECTION* section) {
 void ARM_TARGET::finalize_output_file() {
     ARM_MACHINE_DB* machine = output_machine();
     if (machine == nullptr) return;
-    const bool big =
-        file_manager.output_file()->object_file()->machine_endian() == OFE::OF_ENDIAN_BIG;
+    OFE::OBJECT_FILE* output = file_manager.output_file()->object_file();
+    const OFE::OFBA_ATTR* arch = output->abi_battr(TAG_CPU_ARCH);
+    if (arch != nullptr &&
+        ARM_MACHINE_DB::isa_rank(arch->val.uval) < ARM_MACHINE_DB::isa_rank(silicon_.isa_version()))
+        output->abi_battr_vendor_section()->file_list()->set_uval(TAG_CPU_ARCH,
+                                                                  silicon_.isa_version());
+    const bool big = output->machine_endian() == OFE::OF_ENDIAN_BIG;
     machine->set_be_enc(needs_be8_code_swap_ ? BE_ENC_BE8 : big ? BE_ENC_BE32 : BE_ENC_NONE);
 }
 

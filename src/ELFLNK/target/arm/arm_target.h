@@ -16,6 +16,7 @@ class ARM_TARGET final : public TARGET {
     void target_enter_predefined_macros(std::vector<std::string>& macros) const override;
 
     void check_linker_compatibility(OBJ_FILE* file) override;
+    FCOMPAT* fcompat(OBJ_FILE* output, OBJ_FILE* file) override;
     void update_upon_scanning() override;
     void report_undef_symbol(OFE::OF_SYMBOL* symbol) override;
 
@@ -46,6 +47,7 @@ class ARM_TARGET final : public TARGET {
     void check_symver_options();
 
     ARM_ARCH_TYPES silicon_;
+    std::unique_ptr<FCOMPAT> fcompat_; ///< one object for the run
     bool unmapped_sections_marked_ = false;
     bool needs_be8_code_swap_ = true; ///< the output is big-endian with little-endian code
 };

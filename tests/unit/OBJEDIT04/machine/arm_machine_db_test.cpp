@@ -8,7 +8,6 @@
 #include <memory>
 #include <vector>
 
-#include "OBJEDIT04/attributes/file_attributes.h"
 #include "OBJEDIT04/elf/elf_section.h"
 #include "OBJEDIT04/ofe/object_file.h"
 #include "OBJEDIT04/ofe/of_section.h"
@@ -146,22 +145,6 @@ TEST_F(ArmMachineDb, keeps_the_code_byte_order_in_the_header) {
     db_->set_be_enc(2);
     EXPECT_EQ(file_->flags(), 0x05000000u);
     EXPECT_EQ(db_->be_enc(), 2u);
-}
-
-TEST(FileAttributes, survive_sizes_that_lie) {
-    const uint8_t good[] = {'A', 17, 0, 0, 0, 'a', 'e', 'a', 'b', 'i', 0, 1, 7, 0, 0, 0, 6, 10};
-    EXPECT_EQ(file_attribute(good, false, "aeabi", 6), 10u);
-    EXPECT_EQ(file_attribute(good, false, "aeabi", 7), std::nullopt);
-    EXPECT_EQ(file_attribute(good, false, "QV", 6), std::nullopt);
-    for (size_t at = 0; at < sizeof good; ++at)
-        for (uint8_t value : {0, 1, 3, 5, 0x7F, 0x80, 0xFF}) {
-            std::vector<uint8_t> bad(good, good + sizeof good);
-            bad[at] = value;
-            for (size_t size = 0; size <= bad.size(); ++size) {
-                auto found = file_attribute({bad.data(), size}, false, "aeabi", 6);
-                EXPECT_TRUE(!found || *found <= 0xFF);
-            }
-        }
 }
 
 } // namespace
