@@ -7,7 +7,7 @@
 
 /*
  * Some members of newlib are written in assembly and carry no attribute that says they preserve the alignment of the
- * stack (memchr and strlen, here), so the linker can't tell and calls them incompatible with C code, which needs it:
+ * stack (strcmp and memcpy, here), so the linker can't tell and calls them incompatible with C code, which needs it:
  * error 16005. They do preserve it. This takes back just that message.
  */
 --diag_suppress=16005
