@@ -66,9 +66,9 @@ struct RELOC_SOURCE {
 class RELENG_HOOKS {
   public:
     virtual ~RELENG_HOOKS() = default;
-    // The source of the run address `addr` of an allocated section; false when there is none. Error
-    // path only.
-    virtual bool source(OF_SECTION*, uint32_t /*addr*/, RELOC_SOURCE&) { return false; }
+    // The source of a place, in units from the start of an allocated section; false when there is
+    // none. Error path only.
+    virtual bool source(OF_SECTION*, uint32_t /*offset*/, RELOC_SOURCE&) { return false; }
     // What stands for a symbol of an input file that has no object of its own; null: make the
     // object.
     virtual OF_SYMBOL* stand_in(OF_SYMBOL_TABLE*, unsigned /*id*/) { return nullptr; }

@@ -33,7 +33,7 @@ std::string OF_RELENG::relinfo(const RELOC_SITE& site) const {
 
 bool OF_RELENG::source(const RELOC_SITE& site, RELOC_SOURCE& out) const {
     return hooks_m && section_->allocated() &&
-           hooks_m->source(section_, run_addr_ + site.offset / unit_bytes_, out);
+           hooks_m->source(section_, site.offset / unit_bytes_, out);
 }
 
 std::string OF_RELENG::relref(const RELOC_SITE& site) const {
