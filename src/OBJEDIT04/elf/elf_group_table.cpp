@@ -105,12 +105,25 @@ int ELF_GROUP_TABLE::lock_group_table() {
     entsize_ = 4;
     section_->set_sh_entsize(4);
     DATA_MAP& map = section_->raw_data();
-    map.set_zeros(size_t{4} * (member_num() + 1));
+    map.set_zeros(size_t{4} * (live_member_num() + 1));
     uint8_t* p = map.writable();
     bool big = static_cast<ELF_FILE*>(ofile())->big();
     write_u32(p, flags_, big);
-    for (unsigned i = 0; i < member_num(); ++i) write_u32(p + 4 * (i + 1), members_[i], big);
+    for (unsigned i = 0; i < member_num(); ++i)
+        if (!member_deleted(i)) write_u32(p += 4, members_[i], big);
     return 0;
+}
+
+// A group is dropped as a whole: what relocates a member is a member.
+void ELF_GROUP_TABLE::add_reloc_sections() {
+    ELF_SECTION_TABLE* sections = section_->elf_table();
+    for (unsigned i = 0, count = member_num(); i < count; ++i) {
+        if (member_deleted(i)) continue;
+        for (unsigned k = 0; k < sections->raw_reloc_table_num(members_[i]); ++k) {
+            OF_SECTION* relocs = sections->section(sections->reloc_section(members_[i], k));
+            if (relocs && !relocs->group()) add_member(relocs);
+        }
+    }
 }
 
 } // namespace OFE

@@ -29,6 +29,7 @@ class ELF_GROUP_TABLE final : public OF_GROUP_TABLE {
     unsigned section_id() const override;
     const char* comdat_flag_name() const override { return comdat_flag() ? "GRP_COMDAT" : ""; }
     int lock_group_table() override;
+    void add_reloc_sections(); // those of the members join the group
     int update_symbol_refs(const RECORD_MAP<unsigned>& map);
 
   private:

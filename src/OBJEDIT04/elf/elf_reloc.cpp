@@ -33,13 +33,18 @@ void ELF_RELOC::set_record(unsigned offset, unsigned info, int addend, const OF_
     type_ = type;
 }
 
+int ELF_RELOC::editable() const {
+    OF_RELOC_TABLE* table = reloc_table();
+    return table->own_state() == OF_STATE_OPEN ? 0 : table->max_state(OF_STATE_LOCKED);
+}
+
 int ELF_RELOC::patched() {
     elf_table()->touch();
     return elf_table()->own_state() == OF_STATE_LOCKED ? patch_raw_data() : 0;
 }
 
 int ELF_RELOC::set_type(const OF_RELOC_TYPE* type) {
-    if (!type) return -1;
+    if (!type || editable() != 0) return -1;
     type_ = type;
     r_info_ = (r_info_ & ~0xFFu) | (type->machine_type & 0xFF);
     elf_table()->mark_unsorted();
@@ -64,6 +69,7 @@ int ELF_RELOC::set_symbol(OF_SYMBOL* symbol) {
 }
 
 int ELF_RELOC::set_sym_id(unsigned id) {
+    if (editable() != 0) return -1;
     if (id > 0xFFFFFF) {
         ofile()->set_error(OF_ERROR_TRUNCATED, "symbol %u is beyond what a relocation can refer to",
                            id);
@@ -74,6 +80,7 @@ int ELF_RELOC::set_sym_id(unsigned id) {
 }
 
 int ELF_RELOC::set_offset(unsigned offset) {
+    if (editable() != 0) return -1;
     r_offset_ = offset;
     elf_table()->mark_unsorted();
     return patched();
@@ -96,6 +103,7 @@ bool ELF_RELOC::has_addend() const {
 }
 
 int ELF_RELOC::set_addend(int addend) {
+    if (editable() != 0) return -1;
     r_addend_ = addend;
     return patched();
 }

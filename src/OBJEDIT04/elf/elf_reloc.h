@@ -37,6 +37,7 @@ class ELF_RELOC final : public OF_RELOC, public OALLOC<ELF_RELOC> {
     void save(uint8_t* to, bool big) const; // reloc_size() bytes
 
   private:
+    int editable() const; // guard of the setters
     int patched();
 
     const OF_RELOC_TYPE* type_;

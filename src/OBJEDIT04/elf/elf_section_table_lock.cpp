@@ -142,6 +142,26 @@ unsigned translated(unsigned id, const RECORD_MAP<unsigned>& map) {
     return to == OF_DELETED ? 0 : to;
 }
 
+bool info_is_section(const Elf32_Shdr& h) {
+    return h.sh_type == SHT_REL || h.sh_type == SHT_RELA || (h.sh_flags & SHF_INFO_LINK);
+}
+
+// Types that this layer does not know name their companions by sh_link, too. Section 0 keeps a
+// count.
+bool link_is_section(const Elf32_Shdr& h) {
+    switch (h.sh_type) {
+    case SHT_NULL:
+        return false;
+    case SHT_PROGBITS:
+    case SHT_NOBITS:
+    case SHT_STRTAB:
+    case SHT_NOTE:
+        return h.sh_flags & SHF_LINK_ORDER;
+    default:
+        return true;
+    }
+}
+
 } // namespace
 
 int ELF_SECTION_TABLE::patch_section_refs() {
@@ -155,27 +175,9 @@ int ELF_SECTION_TABLE::patch_section_refs() {
     if (unsigned strings = shstrndx()) store_shstrndx(translated(strings, map));
     file->translate_cached_indices(map);
     for (unsigned i = 0; i < scnnum(); ++i) {
-        ELF_SECTION* s = elf_section(i);
-        Elf32_Shdr& h = s->header();
-        switch (h.sh_type) {
-        case SHT_REL:
-        case SHT_RELA:
-            h.sh_info = translated(h.sh_info, map);
-            [[fallthrough]];
-        case SHT_SYMTAB:
-        case SHT_HASH:
-        case SHT_DYNAMIC:
-        case SHT_DYNSYM:
-        case SHT_GROUP:
-        case SHT_SYMTAB_SHNDX:
-        case SHT_GNU_versym:
-        case SHT_GNU_verdef:
-        case SHT_GNU_verneed:
-            h.sh_link = translated(h.sh_link, map);
-            break;
-        default:
-            if (h.sh_flags & SHF_LINK_ORDER) h.sh_link = translated(h.sh_link, map);
-        }
+        Elf32_Shdr& h = elf_section(i)->header();
+        if (info_is_section(h)) h.sh_info = translated(h.sh_info, map);
+        if (link_is_section(h)) h.sh_link = translated(h.sh_link, map);
     }
     for (unsigned i = 0; i < scnnum(); ++i) {
         ELF_SECTION* s = elf_section(i);
@@ -222,9 +224,13 @@ int ELF_SECTION_TABLE::lock_section_table_entries() {
                 table->reset_state(OF_STATE_OPEN);
     ofile()->machine_db()->elf_lock_section_table(this);
     make_lock_sections();
-    for (unsigned i = 0; i < scnnum(); ++i)
-        if (ELF_GROUP_TABLE* group = elf_section(i)->group_table_api())
-            if (group->member_num() == 0) delete_section(i);
+    for (unsigned i = 0; i < scnnum(); ++i) {
+        ELF_GROUP_TABLE* group = elf_section(i)->group_table_api();
+        if (group && group->live_member_num() != 0)
+            group->add_reloc_sections();
+        else if (group)
+            delete_section(i);
+    }
     if (purge_deleted_sections() != 0) return -1;
     return lock_section_ordering();
 }

@@ -21,7 +21,14 @@ ELF_SYMBOL_TABLE* ELF_SYMBOL::elf_table() const {
     return static_cast<ELF_SYMBOL_TABLE*>(symbol_table());
 }
 
+// A symbol can change until its table is laid out.
+int ELF_SYMBOL::editable() const {
+    OF_SYMBOL_TABLE* table = symbol_table();
+    return table->own_state() == OF_STATE_OPEN ? 0 : table->max_state(OF_STATE_LOCKED);
+}
+
 int ELF_SYMBOL::patched() {
+    symbol_table()->mark_changed();
     return symbol_table()->own_state() == OF_STATE_LOCKED ? patch_raw_data() : 0;
 }
 
@@ -45,11 +52,13 @@ bool ELF_SYMBOL::is_null() const {
 }
 
 int ELF_SYMBOL::set_value(unsigned value) {
+    if (editable() != 0) return -1;
     sym_.st_value = value;
     return patched();
 }
 
 int ELF_SYMBOL::set_size(unsigned size) {
+    if (editable() != 0) return -1;
     sym_.st_size = size;
     return patched();
 }
@@ -64,6 +73,7 @@ int ELF_SYMBOL::set_section(OF_SECTION* section) {
 }
 
 int ELF_SYMBOL::set_section_id(unsigned id) {
+    if (editable() != 0) return -1;
     bool extended = id >= SHN_LORESERVE;
     sym_.st_shndx = static_cast<uint16_t>(extended ? unsigned{SHN_XINDEX} : id);
     ext_shndx_ = extended ? id : 0;
@@ -93,6 +103,7 @@ OF_SYM_KIND ELF_SYMBOL::kind() const {
 }
 
 int ELF_SYMBOL::set_kind(OF_SYM_KIND kind) {
+    if (editable() != 0) return -1;
     unsigned shndx;
     switch (kind) {
     case OF_SYM_KIND_UNDEFINED:
@@ -120,6 +131,7 @@ int ELF_SYMBOL::set_kind(OF_SYM_KIND kind) {
 }
 
 int ELF_SYMBOL::set_near_common() {
+    if (editable() != 0) return -1;
     sym_.st_shndx = static_cast<uint16_t>(ofile()->machine_db()->elf_near_common_shndx());
     ext_shndx_ = 0;
     return patched();
@@ -143,6 +155,7 @@ OF_SYM_TYPE ELF_SYMBOL::type() const {
 }
 
 int ELF_SYMBOL::set_binding(OF_SYM_BINDING binding) {
+    if (editable() != 0) return -1;
     if (binding < OF_SYM_BINDING_LOCAL || binding > OF_SYM_BINDING_WEAK) {
         ofile()->set_error(OF_ERROR_ILLEGAL, "Invalid symbol binding value 0x%x",
                            static_cast<unsigned>(binding));
@@ -153,6 +166,7 @@ int ELF_SYMBOL::set_binding(OF_SYM_BINDING binding) {
 }
 
 int ELF_SYMBOL::set_type(OF_SYM_TYPE type) {
+    if (editable() != 0) return -1;
     if (type < OF_SYM_TYPE_NONE || type > OF_SYM_TYPE_TLS) {
         ofile()->set_error(OF_ERROR_ILLEGAL, "Invalid symbol type value 0x%x",
                            static_cast<unsigned>(type));
@@ -167,6 +181,7 @@ int ELF_SYMBOL::set_visibility(unsigned v) {
 }
 
 int ELF_SYMBOL::set_st_other(unsigned v) {
+    if (editable() != 0) return -1;
     sym_.st_other = static_cast<uint8_t>(v);
     return patched();
 }

@@ -62,6 +62,7 @@ class ELF_SYMBOL final : public OF_SYMBOL, public OALLOC<ELF_SYMBOL> {
     static const char* st_visibility_name(unsigned v);
 
   private:
+    int editable() const; // guard of the setters
     int patched();
 
     uint16_t version_ = 0;

@@ -119,43 +119,23 @@ class OBJECT_FILE : public OF_STATE_MACHINE {
     OFBA_ATTR* battr_section(const char* vendor, OF_SECTION* section, unsigned tag);
     unsigned battr_section_uval(const char* vendor, OF_SECTION* section, unsigned tag);
     const char* battr_section_str(const char* vendor, OF_SECTION* section, unsigned tag);
-#define OFBA_ACCESSORS(prefix, vendor)                                                             \
-    OFBA_VENDOR_SCN* prefix##_battr_vendor_section() {                                             \
-        return battr_vendor_section(vendor);                                                       \
-    }                                                                                              \
-    OFBA_ATTR* prefix##_battr(unsigned t) {                                                        \
-        return battr(vendor, t);                                                                   \
-    }                                                                                              \
-    OFBA_ATTR* prefix##_battr_create(unsigned t) {                                                 \
-        return battr_create(vendor, t);                                                            \
-    }                                                                                              \
-    unsigned prefix##_battr_uval(unsigned t) {                                                     \
-        return battr_uval(vendor, t);                                                              \
-    }                                                                                              \
-    const char* prefix##_battr_str(unsigned t) {                                                   \
-        return battr_str(vendor, t);                                                               \
-    }                                                                                              \
-    OFBA_ATTR* prefix##_battr_symbol(OF_SYMBOL* s, unsigned t) {                                   \
-        return battr_symbol(vendor, s, t);                                                         \
-    }                                                                                              \
-    unsigned prefix##_battr_symbol_uval(OF_SYMBOL* s, unsigned t) {                                \
-        return battr_symbol_uval(vendor, s, t);                                                    \
-    }                                                                                              \
-    const char* prefix##_battr_symbol_str(OF_SYMBOL* s, unsigned t) {                              \
-        return battr_symbol_str(vendor, s, t);                                                     \
-    }                                                                                              \
-    OFBA_ATTR* prefix##_battr_section(OF_SECTION* s, unsigned t) {                                 \
-        return battr_section(vendor, s, t);                                                        \
-    }                                                                                              \
-    unsigned prefix##_battr_section_uval(OF_SECTION* s, unsigned t) {                              \
-        return battr_section_uval(vendor, s, t);                                                   \
-    }                                                                                              \
-    const char* prefix##_battr_section_str(OF_SECTION* s, unsigned t) {                            \
-        return battr_section_str(vendor, s, t);                                                    \
-    }
+// clang-format off
+#define OFBA_ACCESSORS(prefix, vendor) \
+    OFBA_VENDOR_SCN* prefix##_battr_vendor_section() { return battr_vendor_section(vendor); } \
+    OFBA_ATTR* prefix##_battr(unsigned tag) { return battr(vendor, tag); } \
+    OFBA_ATTR* prefix##_battr_create(unsigned tag) { return battr_create(vendor, tag); } \
+    unsigned prefix##_battr_uval(unsigned tag) { return battr_uval(vendor, tag); } \
+    const char* prefix##_battr_str(unsigned tag) { return battr_str(vendor, tag); } \
+    OFBA_ATTR* prefix##_battr_symbol(OF_SYMBOL* s, unsigned tag) { return battr_symbol(vendor, s, tag); } \
+    unsigned prefix##_battr_symbol_uval(OF_SYMBOL* s, unsigned tag) { return battr_symbol_uval(vendor, s, tag); } \
+    const char* prefix##_battr_symbol_str(OF_SYMBOL* s, unsigned tag) { return battr_symbol_str(vendor, s, tag); } \
+    OFBA_ATTR* prefix##_battr_section(OF_SECTION* s, unsigned tag) { return battr_section(vendor, s, tag); } \
+    unsigned prefix##_battr_section_uval(OF_SECTION* s, unsigned tag) { return battr_section_uval(vendor, s, tag); } \
+    const char* prefix##_battr_section_str(OF_SECTION* s, unsigned tag) { return battr_section_str(vendor, s, tag); }
     OFBA_ACCESSORS(qv, qv_battr_vendor())
     OFBA_ACCESSORS(abi, abi_battr_vendor())
 #undef OFBA_ACCESSORS
+    // clang-format on
 
     // Who made the file, in this vendor's subsection. The versions are false when it doesn't say.
     virtual const char* producer_name() {
@@ -244,7 +224,7 @@ class OBJECT_FILE : public OF_STATE_MACHINE {
     std::unique_ptr<char[]> error_copy_;
     OF_MACHINE_RELTYPES* reltypes_ = nullptr;
     std::unique_ptr<uint8_t[]> image_copy_; // the file as it was saved, once it is open again
-    uint8_t* output_map_ = nullptr; // the file from its start, output_map_size_ bytes
+    uint8_t* output_map_ = nullptr;         // the file from its start, output_map_size_ bytes
     size_t output_map_size_ = 0;
     bool write_failed_ = false;
     std::unique_ptr<OF_MACHINE_DB> machine_db_;

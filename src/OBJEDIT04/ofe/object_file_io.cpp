@@ -45,6 +45,12 @@ int pfseek(FILE* fp, long offset) {
     return result;
 }
 
+bool is_same_file(const char* a, const char* b) {
+    struct stat x, y;
+    return stat(a, &x) == 0 && stat(b, &y) == 0 && x.st_dev == y.st_dev && x.st_ino == y.st_ino &&
+           S_ISREG(x.st_mode);
+}
+
 // The bytes of the object that a handle names; false: the handle leaves its file.
 bool handle_bytes(const OF_FILE_HANDLE& handle, OF_BYTES& out) {
     if (handle.bytes) {
@@ -232,7 +238,10 @@ int OBJECT_FILE::load_obj(FHM_FILE* file) {
     return load(handle);
 }
 
+// A file that is saved over itself leaves its old bytes to those who look at them: the new ones are
+// another file of that name.
 int OBJECT_FILE::save_obj(const char* name) {
+    if (handle_.file && is_same_file(name, handle_.file->name())) std::remove(name);
     FHM_FILE* file = fhm_open(name, "wb+");
     if (!file) {
         set_error(OF_ERROR_ACCESS, "failed to open \"%s\" for writing", name);
@@ -267,6 +276,10 @@ int OBJECT_FILE::save_obj(FHM_FILE* file) {
 
 // The previous file is closed last: sections that were never touched are copied out of its mapping.
 int OBJECT_FILE::save(OF_FILE_HANDLE handle) {
+    if (handle.file && handle.file == handle_.file && is_input() && !image_copy_) {
+        set_error(OF_ERROR_ACCESS, "a file cannot be saved to where it is read from");
+        return -1;
+    }
     if (set_state(OF_STATE_FORMATTED) != 0) return -1;
     FHM_FILE* previous = handle_.close_on_destroy ? handle_.file : nullptr;
     unmap_output();
@@ -386,16 +399,19 @@ int OBJECT_FILE::get_file_data(DATA_MAP& map, unsigned offset, unsigned size) {
     return 0;
 }
 
+// What was saved is kept in memory, since the file itself may be where it is saved again.
 int OBJECT_FILE::reopen_for_editing() {
     if (min_state(OF_STATE_SAVED) != 0) return -1;
     unmap_output();
     if (handle_.file) {
         handle_.file->evict();
         auto contents = handle_.file->contents();
-        if (handle_.offset <= contents.size() && handle_.size <= contents.size() - handle_.offset)
-            image_ = {contents.data() + handle_.offset, handle_.size};
-        else
+        if (handle_.offset > contents.size() || handle_.size > contents.size() - handle_.offset)
             return -1;
+        auto copy = std::make_unique_for_overwrite<uint8_t[]>(handle_.size);
+        std::memcpy(copy.get(), contents.data() + handle_.offset, handle_.size);
+        image_copy_ = std::move(copy);
+        image_ = {image_copy_.get(), handle_.size};
     }
     zero_init_ = false;
     return reset_state(OF_STATE_OPEN);

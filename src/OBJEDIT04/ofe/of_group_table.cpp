@@ -1,6 +1,8 @@
 // The members of a group by section id.
 #include "OBJEDIT04/ofe/of_group_table.h"
 
+#include <algorithm>
+
 #include "OBJEDIT04/ofe/object_file.h"
 #include "OBJEDIT04/ofe/of_section.h"
 #include "OBJEDIT04/ofe/of_section_table.h"
@@ -18,10 +20,17 @@ unsigned OF_GROUP_TABLE::add_member(OF_SECTION* section) {
     return member_num() - 1;
 }
 
+unsigned OF_GROUP_TABLE::live_member_num() const {
+    return member_num() - static_cast<unsigned>(std::count(deleted_.begin(), deleted_.end(), true));
+}
+
+// The section stays, on its own.
 int OF_GROUP_TABLE::delete_member(unsigned i) {
     if (max_state(OF_STATE_OPEN) != 0 || i >= members_.size()) return -1;
     deleted_.resize(members_.size());
     deleted_[i] = true;
+    OF_SECTION* section = member(i);
+    if (section && section->group() == this) section->clear_group();
     return 0;
 }
 

@@ -31,6 +31,7 @@ class OF_GROUP_TABLE : public OF_STATE_MACHINE {
         return members_[i];
     } // a section id; deleted members included
     bool member_deleted(unsigned i) const { return i < deleted_.size() && deleted_[i]; }
+    unsigned live_member_num() const;
     OF_SECTION* member(unsigned i);
     unsigned add_member(OF_SECTION* section); // the index, or OF_DELETED when not open
     int delete_member(unsigned i);

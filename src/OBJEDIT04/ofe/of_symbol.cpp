@@ -16,6 +16,7 @@ OBJECT_FILE* OF_SYMBOL::ofile() const {
 
 int OF_SYMBOL::set_name(const char* name) {
     if (table_->max_state(OF_STATE_OPEN) != 0) return -1;
+    table_->mark_changed();
     name_ = name ? savestr(name) : "";
     return 0;
 }

@@ -24,12 +24,13 @@ class OF_SYMBOL_TABLE : public OF_STATE_MACHINE {
     virtual OF_SYMBOL* new_symbol();
     virtual OF_SYMBOL* new_symbol_at(unsigned id);
     virtual int delete_symbol(unsigned id);
+    void mark_changed() { changed_ = true; }
     bool is_deleted(unsigned id) const { return id < deleted_.size() && deleted_[id]; }
     virtual int purge_deleted_symbols();
     virtual unsigned symnum() const { return symnum_; }
     virtual unsigned symbol_size() const = 0;
     virtual int load_all_symbols_into_mem();
-    virtual void unload_symbol(unsigned id);
+    virtual void unload_symbol(unsigned id); // these two drop objects that can be read again
     virtual void unload();
     virtual int clear();
     virtual int update_translations(const RECORD_MAP<unsigned>& map);
@@ -58,6 +59,7 @@ class OF_SYMBOL_TABLE : public OF_STATE_MACHINE {
     bool has_deleted_ = false;
     bool translations_pending_ = false;
     bool all_loaded_ = false;
+    bool changed_ = false; // objects hold what the file does not
 };
 
 } // namespace OFE

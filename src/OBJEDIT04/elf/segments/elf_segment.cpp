@@ -263,7 +263,12 @@ int ELF_SEGMENT::progress_to_state(OF_STATE target) {
     return target == OF_STATE_SAVED ? save() : 0;
 }
 
-int ELF_SEGMENT::revert_to_state(OF_STATE) {
+// Bytes that belong to no object are looked at where they were saved.
+int ELF_SEGMENT::revert_to_state(OF_STATE target) {
+    if (target != OF_STATE_OPEN || has_objects_ || !raw_data_) return 0;
+    const Elf32_Phdr& h = header();
+    if (h.p_filesz && ofile()->in_image(h.p_offset, h.p_filesz))
+        raw_data_->set_view({ofile()->image().data + h.p_offset, h.p_filesz});
     return 0;
 }
 
