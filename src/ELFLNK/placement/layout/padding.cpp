@@ -121,6 +121,7 @@ void LOCATOR::unreserve_pending_objects() {
 
 void LOCATOR::bind_padding_to_subobjects() {
     if (!is_load() || !is_split() || !object_->is_collection()) return;
+    if (is_virtual()) return; // what found room keeps it, and its sub-items
     LOCATOR* run = object_->run_locator();
     if (run == nullptr || !run->is_run() || !run->is_complete()) return;
     const MEMBER_LIST members = as_collection(object_)->members();
