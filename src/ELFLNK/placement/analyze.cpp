@@ -103,6 +103,15 @@ void choose_load_member(COLLECTION* overlay) {
     if (chosen != nullptr) chosen->set_attr(PA_OVLY_LOC_BOTH_PLACEMENT);
 }
 
+/// Members of an overlay within an overlay share addresses with all of the outer one; unless they
+/// were chosen there, none of them may be loaded where it runs.
+bool has_load_of_own(const LINKER_OBJECT* overlay) {
+    if (overlay->has_attr(PA_OVLY_LOC_BOTH_PLACEMENT)) return true;
+    for (const LINKER_OBJECT* above = overlay->parent(); above != nullptr; above = above->parent())
+        if (above->run_locator() != nullptr && above->run_locator()->is_overlay()) return false;
+    return true;
+}
+
 /// The wishes of a UNION for the member that takes them over; the member's inner layout stays.
 LOCATOR* copy_for_member(const LOCATOR* enclosing, const LOCATOR* own) {
     constexpr uint32_t LAYOUT = LF_ORDERED | LF_UNORDERED | LF_PALIGN | LF_POWER2 | LF_OVERLAY |
@@ -148,7 +157,7 @@ void settle_load(ANALYSIS& a) {
     }
     const LOCATOR* run = a.run != nullptr ? a.run : object->run_locator();
     if (run != nullptr && run->is_overlay() && object->is_collection()) {
-        choose_load_member(as_collection(object));
+        if (has_load_of_own(object)) choose_load_member(as_collection(object));
         if (a.load != nullptr) DIAG_REPORT_AT(pos, elnk_noplace_load_union);
         drop_load(a);
         return;
