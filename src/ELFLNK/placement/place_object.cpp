@@ -25,6 +25,22 @@ MEMORY_RANGE* make_range_above(const char* name, int page, uint64_t addr, uint32
     return new MEMORY_RANGE(name, addr, ~addr, attrs, page);
 }
 
+/// A range for one object at an address outside of the map. It stays out of the map, in which it
+/// would lie over ranges above it; it ends where the next of those begins, and knows what stands
+/// outside already.
+MEMORY_RANGE* make_range_outside(int page, uint64_t addr) {
+    uint64_t end = LOCATOR::no_limit;
+    for (const MEMORY_RANGE* other : *memory_map)
+        if (other->page() == page && !other->is_hidden() && other->origin() > addr)
+            end = std::min(end, other->origin());
+    auto* range = new MEMORY_RANGE("DEFAULT", addr, end - addr, MEMORY_RANGE::ATTR_ALL, page);
+    for (LOCATOR* other : placement_state().outside)
+        if (other->effective_page() == page && other->end_address() > addr &&
+            other->address() < end)
+            range->add_item(other, false);
+    return range;
+}
+
 /// A virtual range occupies no more than the object in it. A split object stands there as its
 /// members.
 void shrink_to_contents(MEMORY_RANGE* range) {
@@ -83,14 +99,17 @@ void LOCATOR::place_specific() {
     }
     if (!has_flag(LF_PAGE)) report_ambiguous_page(object_);
     range = memory_map->lookup_by_addr(specific_, effective_page());
-    if (range == nullptr || range->is_hidden()) {
+    const bool is_outside = range == nullptr || range->is_hidden();
+    if (is_outside) {
         DIAG_REPORT_AT(position_, elnk_place_specific_out_of_range);
-        // The range is for this object alone: in the map it would lie over ranges above it.
-        range = make_range_above("DEFAULT", effective_page(), specific_, MEMORY_RANGE::ATTR_ALL);
+        range = make_range_outside(effective_page(), specific_);
         clear_flag(LF_SPLIT | LF_HIGHEST);
         set_flag(LF_ONE_ATTEMPT);
     }
-    if (!insert_into_range(range)) fail_placement({range}, true);
+    if (!insert_into_range(range))
+        fail_placement({range}, true);
+    else if (is_outside)
+        placement_state().outside.push_back(this);
 }
 
 void LOCATOR::place_by_named_range() {

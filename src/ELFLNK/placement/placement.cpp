@@ -48,9 +48,11 @@ void place_phase(int phase) {
 void place_alternate(LOCATOR* locator, const MEMORY_RANGE* range, const MEMORY_RANGE* alias) {
     LINKER_OBJECT* object = locator->object();
     bool moved = locator->has_flag(LF_ALIAS_MOVED);
-    if (locator->is_load() || locator->is_both())
+    if (locator->is_load() || locator->is_both()) {
         DIAG_REPORT_AT(locator->position(), elnk_alias_no_load,
                        moved ? range->name() : alias->name(), object->name());
+        return;
+    }
     auto* other = new LOCATOR(LOCATOR_KIND::RUN_ALT, object);
     other->add_specific(locator->address() + (range->origin() - alias->origin()));
     if (moved) {

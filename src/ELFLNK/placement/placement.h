@@ -31,6 +31,7 @@ struct PLACEMENT_STATE {
     LOCATOR_LIST worklist[3]; ///< of phases 1, 2 and 3
     int phase = 0;            ///< 0, 1, 2; handed to update_before_placement
     bool ambiguous_page_reported = false;
+    LOCATOR_LIST outside;                          ///< what stands at addresses outside of the map
     std::set<std::string> unknown_ranges_reported; ///< by name, page and place in the command file
 };
 

@@ -12,6 +12,7 @@
 #include "ELFLNK/object/root_collection.h"
 #include "ELFLNK/object/section.h"
 #include "ELFLNK/object/space.h"
+#include "ELFLNK/placement/placement.h"
 #include "ELFLNK/target/abi.h"
 #include "ELFLNK/target/target.h"
 #include "OBJEDIT04/ofe/of_section.h"
@@ -57,7 +58,7 @@ void fill_range(MEMORY_RANGE* range) {
     const std::vector<LOCATOR*> items(range->leaf_contents().begin(), range->leaf_contents().end());
     for (LOCATOR* item : items) {
         if (throughout) fill_range_gap(range, cursor, item->address(), fill);
-        if (item->object()->is_collection() && !item->is_run()) fill_collection(item->object());
+        if (item->is_load() || item->is_both()) fill_collection(item->object());
         cursor = std::max(cursor, item->end_address());
     }
     if (throughout) fill_range_gap(range, cursor, range->end(), fill);
@@ -100,6 +101,14 @@ void inherit_fill(LINKER_OBJECT* member, FILL_SPEC* fill) {
         member->add_fill(fill);
 }
 
+void order_by_load_address(COLLECTION* collection) {
+    std::vector<LINKER_OBJECT*> members(collection->members().begin(), collection->members().end());
+    if (LINKER_OBJECT::sort_placed_by_load_address(members))
+        collection->set_member_order(members);
+    else
+        collection->sort_members(LINKER_OBJECT::less_than_load_address);
+}
+
 } // namespace
 
 void fill_collection(LINKER_OBJECT* obj) {
@@ -111,7 +120,8 @@ void fill_collection(LINKER_OBJECT* obj) {
     FILL_SPEC* fill = fill_of(collection, locator);
 
     std::vector<LINKER_OBJECT*> members(collection->members().begin(), collection->members().end());
-    std::sort(members.begin(), members.end(), LINKER_OBJECT::less_than_load_address);
+    if (!LINKER_OBJECT::sort_placed_by_load_address(members))
+        std::sort(members.begin(), members.end(), LINKER_OBJECT::less_than_load_address);
     uint64_t load_cursor = obj->load_address();
     uint64_t run_cursor = obj->run_address();
     const uint64_t load_end = load_cursor + collection->size();
@@ -126,7 +136,7 @@ void fill_collection(LINKER_OBJECT* obj) {
         run_cursor = member->run_address() + size;
     }
     fill_collection_gap(collection, load_cursor, run_cursor, load_end, fill);
-    collection->sort_members(LINKER_OBJECT::less_than_load_address);
+    order_by_load_address(collection);
 }
 
 void fill_holes() {
@@ -135,4 +145,6 @@ void fill_holes() {
     const std::vector<MEMORY_RANGE*> ranges(memory_map->begin(), memory_map->end());
     for (MEMORY_RANGE* range : ranges)
         if (!range->is_hidden()) fill_range(range);
+    for (LOCATOR* item : placement_state().outside)
+        if (item->is_load() || item->is_both()) fill_collection(item->object());
 }
