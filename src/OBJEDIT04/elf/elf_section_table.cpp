@@ -149,12 +149,14 @@ int ELF_SECTION_TABLE::check_headers() {
                         strings);
         return -1;
     }
-    for (unsigned i = 1; i < raw_count_; ++i) {
+    for (unsigned i = 0; i < raw_count_; ++i) {
         Elf32_Shdr h;
         raw_header(i, h);
         const char* fault = nullptr;
         if (h.sh_type == SHT_NULL) continue;
-        if (names_ && h.sh_name >= names_limit_)
+        if (i == 0)
+            fault = "it is not the null section";
+        else if (names_ && h.sh_name >= names_limit_)
             fault = "its name is outside of the string table";
         else if (h.sh_type != SHT_NOBITS && h.sh_size && !file->in_image(h.sh_offset, h.sh_size))
             fault = "its contents are beyond the end of the file";
@@ -326,6 +328,7 @@ OF_RAW_RELOCS ELF_SECTION_TABLE::raw_relocs(unsigned section_id, unsigned table)
             t->encode(changed_relocs_);
             data = changed_relocs_.data();
             size = changed_relocs_.size();
+            entsize = rela ? ELF_RELASIZE : ELF_RELSIZE;
         }
     }
     if (!data) return {};
