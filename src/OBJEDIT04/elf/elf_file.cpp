@@ -219,13 +219,18 @@ bool ELF_FILE::build_attributes_supported() const {
            supported;
 }
 
-// Looked for again when there are more sections than at the last search.
+// Looked for from the end, where it stands as a rule, and again when there are more sections than
+// at the last search.
 unsigned ELF_FILE::build_attr_index() {
     if (build_attr_index_ != 0 && sections_->is_deleted(build_attr_index_)) build_attr_index_ = 0;
     if (build_attr_index_ == 0 && build_attr_searched_ != sections_->scnnum()) {
         build_attr_searched_ = sections_->scnnum();
-        if (build_attributes_supported())
-            build_attr_index_ = sections_->lookup_section_by_type(SHT_ATTRIBUTES);
+        if (!build_attributes_supported()) return 0;
+        Elf32_Shdr h;
+        for (unsigned i = sections_->scnnum(); build_attr_index_ == 0 && i-- > 1;)
+            if (sections_->raw_header(i, h) && h.sh_type == SHT_ATTRIBUTES &&
+                !sections_->is_deleted(i))
+                build_attr_index_ = i;
     }
     return build_attr_index_;
 }

@@ -317,8 +317,8 @@ ELF_GROUP_TABLE* ELF_SECTION::group_table_api() {
     make_companion();
     return static_cast<ELF_GROUP_TABLE*>(companion_.get());
 }
-// These two go by the section's name: one whose type asks for another companion gets that one, and is
-// no table of theirs.
+// These two go by the section's name: one whose type asks for another companion gets that one, and
+// is no table of theirs.
 ELF_SCN_ATTR_TABLE* ELF_SECTION::scn_attr_table_api(int kind) {
     if (!make_companion()) companion_ = std::make_unique<ELF_SCN_ATTR_TABLE>(this, kind);
     return dynamic_cast<ELF_SCN_ATTR_TABLE*>(companion_.get());
