@@ -212,7 +212,16 @@ OF_SYMBOL* lookup_input_symbol_from_output(OF_SYMBOL* output) {
     return ref.output == output ? ref.table->symbol(ref.id) : nullptr;
 }
 
+// What is never used of this costs no memory, whereas growing would copy all of it several times.
+static void reserve_input_refs() {
+    size_t count = 0;
+    for (OBJ_FILE* file : file_manager.object_files())
+        if (OF_SYMBOL_TABLE* table = file->object_file()->symbol_table()) count += table->symnum();
+    input_refs.reserve(count);
+}
+
 void copy_symbols(bool prebuild) {
+    if (input_refs.empty()) reserve_input_refs();
     for (OBJ_FILE* file : file_manager.object_files())
         if (file != file_manager.output_file() && file->is_static_linking_object())
             copy_symbols_of(file->object_file(), prebuild);

@@ -33,10 +33,12 @@ std::vector<LOAD_SEGMENT*> load_segments() {
     return segments;
 }
 
-void take_into_segment(LOAD_SEGMENT*& current, LINKER_OBJECT* object) {
+void take_into_segment(std::vector<LOAD_SEGMENT*>& segments, LOAD_SEGMENT*& current,
+                       LINKER_OBJECT* object) {
     if (!current || !current->can_combine(object)) {
         current = new LOAD_SEGMENT(savestrf("SEGMENT_%d", static_cast<int>(generated_segments++)));
         root_collection->add_member(current);
+        segments.push_back(current);
     }
     current->add_member(object);
     current->raise_alignment(object->alignment());
@@ -44,9 +46,10 @@ void take_into_segment(LOAD_SEGMENT*& current, LINKER_OBJECT* object) {
         current->set_attr(object->attrs() & (PA_BOUND | PA_READONLY));
 }
 
-void gather_loaded_objects() {
+// New segments are appended, to the tree and to the list.
+void gather_loaded_objects(std::vector<LOAD_SEGMENT*>& segments) {
     std::unordered_set<const LINKER_OBJECT*> in_segment;
-    for (LOAD_SEGMENT* segment : load_segments())
+    for (LOAD_SEGMENT* segment : segments)
         for (LINKER_OBJECT* member : segment->members()) in_segment.insert(member);
 
     std::vector<LINKER_OBJECT*> loaded;
@@ -58,7 +61,7 @@ void gather_loaded_objects() {
         if (in_segment.count(object) || object->is_tls_segment() || object->is_load_segment())
             continue;
         if (global_opts->isopt(OPT_rom) && !object->has_seg_attrs()) continue;
-        take_into_segment(current, object);
+        take_into_segment(segments, current, object);
     }
 }
 
@@ -107,8 +110,8 @@ void create_program_headers() {
     ELF_SEGMENT_TABLE* table = elf_api(output_OF_FILE())->segment_table();
     if (abi->gabi_segment_mode() && abi->max_page_size() != 0)
         table->set_min_load_align(narrow<unsigned>(abi->max_page_size()));
-    gather_loaded_objects();
     std::vector<LOAD_SEGMENT*> segments = load_segments();
+    gather_loaded_objects(segments);
     for (LOAD_SEGMENT* segment : segments) fill_in(segment);
     for (LOAD_SEGMENT* segment : segments)
         for (LINKER_OBJECT* member : segment->members()) attach(segment->elf_segment(), member);

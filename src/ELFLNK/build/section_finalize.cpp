@@ -50,7 +50,7 @@ void SECTION::relocate_data(OF_SECTION* output) {
     if (!input) return;
     OF_RELENG engine(input);
     engine.set_output_section(output);
-    trace_build.printf("%s: relocate to 0x%lx\n", name(), run_address());
+    trace_build.printf("%s: relocate to 0x%lx\n", original_section_name(), run_address());
     engine.relocate(static_cast<uint32_t>(run_address()));
     set_relocated(true);
     if (engine.has_error()) output->ofile()->set_unsafe_to_execute();

@@ -11,12 +11,6 @@
 
 static std::vector<std::unique_ptr<FILE_SYMBOLS>> records;
 
-uint32_t FILE_SYMBOLS::name_id(unsigned sym_id) const {
-    if (sym_id < first_global || sym_id - first_global >= name_ids.size())
-        return NAME_TABLE::NO_NAME;
-    return name_ids[sym_id - first_global];
-}
-
 FILE_SYMBOLS& file_symbols(const OFE::OBJECT_FILE* object) {
     const unsigned id = object->file_id();
     if (id >= records.size()) records.resize(id + 1);

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "ELFLNK/symbol/name_table.h"
+
 class OBJ_FILE;
 namespace OFE {
 class OBJECT_FILE;
@@ -18,7 +20,10 @@ struct FILE_SYMBOLS {
     unsigned first_global = 0;
     std::vector<uint32_t> name_ids;
 
-    uint32_t name_id(unsigned sym_id) const;
+    uint32_t name_id(unsigned sym_id) const {
+        const unsigned at = sym_id - first_global; // of a local symbol: beyond all
+        return at < name_ids.size() ? name_ids[at] : NAME_TABLE::NO_NAME;
+    }
 };
 
 /// The record of a file (by OBJECT_FILE::file_id), made if new.

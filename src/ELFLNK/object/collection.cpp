@@ -103,6 +103,15 @@ void COLLECTION::append(const MEMBER_LIST& objs) {
     for (LINKER_OBJECT* obj : objs) add_member(obj, true);
 }
 
+void COLLECTION::set_member_order(const std::vector<LINKER_OBJECT*>& order) {
+    auto at = members_.begin();
+    for (LINKER_OBJECT* obj : order) {
+        *at = obj;
+        if (obj->parent_ == this) obj->member_position_ = at;
+        ++at;
+    }
+}
+
 void COLLECTION::transfer_sspec_members(SECTION_SPEC* spec, MEMBER_LIST::iterator before) {
     COLLECTION* from = spec;
     for (LINKER_OBJECT* obj : from->members_) {

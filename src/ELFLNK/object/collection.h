@@ -81,6 +81,8 @@ class COLLECTION : public LINKER_OBJECT {
     void transfer_sspec_members(SECTION_SPEC* spec, MEMBER_LIST::iterator before);
     /// Stable sort of the direct members.
     void sort_members(bool (*less)(LINKER_OBJECT*, LINKER_OBJECT*)) { members_.sort(less); }
+    /// The same members in another order.
+    void set_member_order(const std::vector<LINKER_OBJECT*>& order);
 
     // ---- size ------------------------------------------------------------------------------
     /// The size of this collection and all its ancestors must be computed anew.

@@ -10,6 +10,7 @@
 #include "ELFLNK/object/symbol_object.h"
 #include "OBJEDIT04/ofe/object_file.h"
 #include "OBJEDIT04/ofe/of_section.h"
+#include "OBJEDIT04/ofe/of_section_table.h"
 #include "OBJEDIT04/ofe/of_symbol.h"
 
 ROOT_COLLECTION::ROOT_COLLECTION() : COLLECTION("<root>", COLLECTION_LOGICAL) {}
@@ -24,7 +25,10 @@ void ROOT_COLLECTION::add_section(SECTION* section) {
     const std::size_t file = input->ofile()->file_id();
     if (file >= sections_.size()) sections_.resize(file + 1);
     auto& slots = sections_[file];
-    if (input->id() >= slots.size()) slots.resize(std::size_t{input->id()} + 1);
+    if (input->id() >= slots.size()) {
+        const std::size_t all = input->section_table()->scnnum();
+        slots.resize(std::max(all, std::size_t{input->id()} + 1));
+    }
     if (slots[input->id()] == nullptr) ++section_count_;
     slots[input->id()] = section;
 }

@@ -3,6 +3,7 @@
 // hold such relocations finds them all.
 #include <algorithm>
 #include <cstring>
+#include <string_view>
 
 #include "ELFLNK/reach/for_each_reloc.h"
 #include "ELFLNK/reach/registrar.h"
@@ -13,6 +14,16 @@
 
 using OFE::OF_RAW_RELOC;
 using OFE::OF_RAW_SECTION;
+
+namespace {
+
+bool is_debug_index(const char* name) {
+    for (std::string_view prefix : {".debug_aranges", ".debug_pubnames", ".debug_pubtypes"})
+        if (std::strncmp(name, prefix.data(), prefix.size()) == 0) return true;
+    return false;
+}
+
+} // namespace
 
 void IMPLICIT_DEP_TABLE::add_dependent(KEY key, KEY dependent) {
     // Neighbouring relocations mostly lead to one section.
@@ -52,6 +63,7 @@ void REGISTRAR::find_implicit_deps() {
 
 void REGISTRAR::add_debug_deps(FILE_STATE& file, const OF_RAW_SECTION& section) {
     const KEY holder = key_of(file, section.id);
+    const bool is_index = is_debug_index(section.name);
     OF_RAW_SECTION other;
     for_each_symbol_reloc(file, section.id, [&](const OF_RAW_RELOC& reloc) {
         const TARGET_REF target = target_of(file, reloc.sym_id);
@@ -64,22 +76,14 @@ void REGISTRAR::add_debug_deps(FILE_STATE& file, const OF_RAW_SECTION& section) 
         }
         if (target.is_absent()) return;
         if (target.file->bits[target.section_id] & DEBUG_DATA) {
-            if (!target.file->sections->raw_section(target.section_id, other)) return;
-            if (!need_implicit_reverse_ref_for_debug(section.name, other.name)) return;
+            // An index section is kept with the unit that it indexes; other ties among debug
+            // sections don't count here.
+            if (!is_index || !target.file->sections->raw_section(target.section_id, other) ||
+                std::strncmp(other.name, ".debug_info", 11) != 0)
+                return;
         }
         section_deps_.add_dependent(key_of(*target.file, target.section_id), holder);
     });
-}
-
-// An index section is kept with the unit that it indexes; other ties among debug sections don't
-// count here.
-bool REGISTRAR::need_implicit_reverse_ref_for_debug(const char* holder, const char* target) {
-    const auto begins = [](const char* name, const char* prefix) {
-        return std::strncmp(name, prefix, std::strlen(prefix)) == 0;
-    };
-    const bool is_index = begins(holder, ".debug_aranges") || begins(holder, ".debug_pubnames") ||
-                          begins(holder, ".debug_pubtypes");
-    return is_index && begins(target, ".debug_info");
 }
 
 // A section with the extended flag RETAINREFS pulls in everything that refers to it.

@@ -99,16 +99,22 @@ const REGISTRAR::TARGET_REF& REGISTRAR::local_target_of(FILE_STATE& file, unsign
     return scratch_;
 }
 
-// Most relocations lead to a section that is registered already, and need no more than this.
-bool REGISTRAR::leads_to_registered_section(FILE_STATE& file, unsigned sym_id) {
-    const auto is_settled = [](uint8_t bits) {
-        return (bits & (REGISTERED | OMDATA)) == REGISTERED;
+// Most relocations lead to a section that is registered already, or lead from debug data to program
+// data that nothing else wants, and need no more than this.
+bool REGISTRAR::changes_nothing(FILE_STATE& file, unsigned sym_id, bool is_debug) {
+    const auto look_at = [](uint8_t bits) -> uint8_t {
+        if ((bits & (REGISTERED | OMDATA)) == REGISTERED) return LEADS_TO_REGISTERED;
+        return bits & (PROGDATA | ABSENT) ? NOT_KEPT_BY_DEBUG : 0;
     };
+    const uint8_t enough = is_debug ? LEADS_TO_REGISTERED | NOT_KEPT_BY_DEBUG : LEADS_TO_REGISTERED;
     const uint32_t name = file.names ? file.names->name_id(sym_id) : NAME_TABLE::NO_NAME;
     if (name != NAME_TABLE::NO_NAME) {
+        uint8_t& bits = name_bits_[name];
+        if (bits & enough) return true;
         const TARGET_REF& known = name_targets_[name];
-        return known.has_section() && is_settled(known.file->bits[known.section_id]) &&
-               global_symbols.mapped_id(name) == name;
+        if (known.has_section() && global_symbols.mapped_id(name) == name)
+            bits |= look_at(known.file->bits[known.section_id]);
+        return bits & enough;
     }
     if (file.local_sections.empty()) file.local_sections.resize(file.symbols->first_global());
     if (sym_id >= file.local_sections.size()) return false;
@@ -118,7 +124,7 @@ bool REGISTRAR::leads_to_registered_section(FILE_STATE& file, unsigned sym_id) {
         section_id = target.file == &file && target.has_section() ? target.section_id
                                                                   : OF_RAW_SYMBOL::NO_SECTION;
     }
-    return section_id != OF_RAW_SYMBOL::NO_SECTION && is_settled(file.bits[section_id]);
+    return section_id != OF_RAW_SYMBOL::NO_SECTION && look_at(file.bits[section_id]) & enough;
 }
 
 // A relocation that stays in the output will ask the file for this symbol: it has to know its
@@ -140,22 +146,18 @@ void REGISTRAR::register_referenced_objects() {
 }
 
 void REGISTRAR::walk_section(const WORK& work) {
-    OF_RAW_SECTION section;
-    if (!work.file->sections->raw_section(work.section_id, section)) return;
+    const bool is_debug = work.file->bits[work.section_id] & (DEBUG_DATA | DEBUG_LIKE);
     for_each_symbol_reloc(*work.file, work.section_id, [&](const OF_RAW_RELOC& reloc) {
-        register_a_reference(work, section.name, reloc);
+        if (relocs_stay_) make_symbol(*work.file, reloc.sym_id);
+        if (!changes_nothing(*work.file, reloc.sym_id, is_debug))
+            register_a_reference(work, is_debug, reloc);
     });
 }
 
-void REGISTRAR::register_a_reference(const WORK& from, const char* from_name,
-                                     const OF_RAW_RELOC& reloc) {
+void REGISTRAR::register_a_reference(const WORK& from, bool is_debug, const OF_RAW_RELOC& reloc) {
     FILE_STATE& file = *from.file;
-    if (relocs_stay_) make_symbol(file, reloc.sym_id);
-    if (leads_to_registered_section(file, reloc.sym_id)) return;
     const TARGET_REF target = target_of(file, reloc.sym_id);
     if (!target.file) return;
-    const bool is_debug =
-        (file.bits[from.section_id] & DEBUG_DATA) || std::strcmp(from_name, "$BRID") == 0;
     if (is_debug) {
         // A debug reference keeps no program data, no common block and nothing that was discarded.
         if (target.has_section() && (target.file->bits[target.section_id] & (PROGDATA | ABSENT)))
@@ -163,12 +165,10 @@ void REGISTRAR::register_a_reference(const WORK& from, const char* from_name,
         if (!target.has_section() && target.kind == OFE::OF_SYM_KIND_COMMON) return;
     }
     report_mapped_symbol(file, reloc.sym_id);
-    if (target.is_absent()) {
-        if (std::strcmp(from_name, abi_->plumasode_section_name()) != 0)
-            report_discarded(from, from_name, reloc, target);
-        return;
-    }
-    register_target(target);
+    if (target.is_absent())
+        report_discarded(from, reloc, target);
+    else
+        register_target(target);
 }
 
 // By the file that the symbol lies in.
@@ -290,12 +290,15 @@ void REGISTRAR::report_mapped_symbol(FILE_STATE& file, unsigned sym_id) {
                 file.file->name());
 }
 
-void REGISTRAR::report_discarded(const WORK& from, const char* from_name, const OF_RAW_RELOC& reloc,
+void REGISTRAR::report_discarded(const WORK& from, const OF_RAW_RELOC& reloc,
                                  const TARGET_REF& target) {
+    OF_RAW_SECTION section;
+    from.file->sections->raw_section(from.section_id, section);
+    if (std::strcmp(section.name, abi_->plumasode_section_name()) == 0) return;
     OF_RAW_SYMBOL raw;
     from.file->symbols->raw_symbol(reloc.sym_id, raw);
     const OFE::OF_RELOC_TYPE* type = from.file->object->machine_reloc_type(reloc.type);
     DIAG_REPORT(elnk_invalid_reloc_scn, type ? type->name : "", from.file->file->name(),
-                reloc.offset, from_name, from.section_id, global_symbols.diag_sym_name(raw.name),
+                reloc.offset, section.name, from.section_id, global_symbols.diag_sym_name(raw.name),
                 target.section_id);
 }

@@ -62,8 +62,11 @@ class REGISTRAR {
         DEBUG_DATA = 8, ///< name begins ".debug"
         ABSENT = 16,    ///< deleted, or unreadable
         OMDATA = 32,
-        LINK_ORDER = 64
+        LINK_ORDER = 64,
+        DEBUG_LIKE = 128 ///< not debug data by name, but keeps no program data either
     };
+    /// What the references to a name have come to: the same answer needs no second look.
+    enum NAME_BITS : uint8_t { LEADS_TO_REGISTERED = 1, NOT_KEPT_BY_DEBUG = 2 };
     struct FILE_STATE {
         OBJ_FILE* file = nullptr;
         OFE::OBJECT_FILE* object = nullptr;
@@ -113,21 +116,19 @@ class REGISTRAR {
     void find_implicit_deps();
     void add_debug_deps(FILE_STATE& file, const OFE::OF_RAW_SECTION& section);
     void add_metadata_deps(FILE_STATE& file, const OFE::OF_RAW_SECTION& section);
-    static bool need_implicit_reverse_ref_for_debug(const char* holder, const char* target);
 
     // Relocations.
     template <class VISIT>
     void for_each_symbol_reloc(FILE_STATE& file, unsigned section_id, VISIT visit);
     const TARGET_REF& target_of(FILE_STATE& file, unsigned sym_id);
     const TARGET_REF& local_target_of(FILE_STATE& file, unsigned sym_id);
-    bool leads_to_registered_section(FILE_STATE& file, unsigned sym_id);
+    bool changes_nothing(FILE_STATE& file, unsigned sym_id, bool is_debug);
     TARGET_REF target_of_symbol(OFE::OF_SYMBOL* sym);
 
     // The closure.
     void register_referenced_objects();
     void walk_section(const WORK& work);
-    void register_a_reference(const WORK& from, const char* from_name,
-                              const OFE::OF_RAW_RELOC& reloc);
+    void register_a_reference(const WORK& from, bool is_debug, const OFE::OF_RAW_RELOC& reloc);
     void register_target(const TARGET_REF& target);
     void register_section(FILE_STATE& file, unsigned section_id);
     void register_any_section(FILE_STATE& file, unsigned section_id);
@@ -136,7 +137,7 @@ class REGISTRAR {
     void register_sh_link_dependences();
     void make_symbol(FILE_STATE& file, unsigned sym_id);
     void report_mapped_symbol(FILE_STATE& file, unsigned sym_id);
-    void report_discarded(const WORK& from, const char* from_name, const OFE::OF_RAW_RELOC& reloc,
+    void report_discarded(const WORK& from, const OFE::OF_RAW_RELOC& reloc,
                           const TARGET_REF& target);
 
     ABI* abi_;
@@ -149,6 +150,7 @@ class REGISTRAR {
     std::vector<FILE_STATE*> order_;                 ///< in the file manager's order
     std::vector<std::pair<const void*, std::unique_ptr<bool[]>>> reloc_kinds_; ///< per type set
     std::vector<TARGET_REF> name_targets_; ///< by name id, where known
+    std::vector<uint8_t> name_bits_;       ///< NAME_BITS by name id
     TARGET_REF scratch_;                   ///< the last answer that isn't kept
     std::vector<WORK> work_;               ///< in the order of registration
     size_t next_work_ = 0;                 ///< the first that was not walked

@@ -23,6 +23,7 @@ using OFE::OF_SYMBOL;
 
 void REGISTRAR::prepare_files() {
     name_targets_.resize(global_symbols.name_count());
+    name_bits_.resize(global_symbols.name_count());
     for (OBJ_FILE* file : file_manager.object_files()) {
         FILE_STATE& state = state_of(file->object_file());
         order_.push_back(&state);
@@ -80,6 +81,7 @@ void REGISTRAR::classify_sections(FILE_STATE& file) {
         }
         uint8_t bits = 0;
         if (std::strncmp(section.name, ".debug", 6) == 0) bits |= DEBUG_DATA;
+        if (std::strcmp(section.name, "$BRID") == 0) bits |= DEBUG_LIKE;
         if (abi_->section_is_omdata(section, file.object))
             bits |= OMDATA;
         else if (!abi_->section_is_pmdata(section, file.object))

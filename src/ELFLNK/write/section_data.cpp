@@ -37,7 +37,7 @@ void SECTION::write_data_internal(OF_SECTION* output, uint32_t offset) {
     }
     memcpy(to, bytes.data, size);
     if (!section_wants_relocation(this, output)) return;
-    trace_build.printf("%s: relocate to 0x%lx\n", name(), run_address());
+    trace_build.printf("%s: relocate to 0x%lx\n", original_section_name(), run_address());
     OF_RELENG engine(input);
     engine.set_output_section(output);
     engine.set_bytes(to, size);

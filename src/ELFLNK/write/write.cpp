@@ -97,8 +97,8 @@ void write_leaves() {
         OF_SECTION* output = outsect ? outsect->output_OF_SECTION() : nullptr;
         if (!output) continue;
         auto offset = static_cast<uint32_t>(object->run_address() - outsect->run_address());
-        trace_build.printf("%s: copy 0x%lx bytes to %s at offset 0x%lx\n", object->name(),
-                           object->size(), output->name(), offset);
+        trace_build.printf("copy object %u to %s at offset 0x%lx\n", object->id(), output->name(),
+                           offset);
         object->write_data_internal(output, offset);
         object->set_data_written(true);
     }

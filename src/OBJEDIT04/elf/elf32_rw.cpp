@@ -49,10 +49,6 @@ void swap_Elf32_Rela(Elf32_Rela& r) {
 }
 
 #define OFE_ELF32_RECORD(T)                                                                        \
-    void load_##T(const uint8_t* p, T& r, bool swap) {                                             \
-        std::memcpy(&r, p, sizeof r);                                                              \
-        if (swap) swap_##T(r);                                                                     \
-    }                                                                                              \
     void store_##T(uint8_t* p, const T& r, bool swap) {                                            \
         T copy = r;                                                                                \
         if (swap) swap_##T(copy);                                                                  \

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "OBJEDIT04/elf/elf_types.h"
+#include <cstring>
 
 class DATA_MAP;
 
@@ -12,7 +13,10 @@ namespace OFE {
 // From sizeof(record) bytes at p, and to them.
 #define OFE_ELF32_RECORD(T)                                                                        \
     void swap_##T(T& r);                                                                           \
-    void load_##T(const uint8_t* p, T& r, bool swap);                                              \
+    inline void load_##T(const uint8_t* p, T& r, bool swap) {                                      \
+        std::memcpy(&r, p, sizeof r);                                                              \
+        if (swap) swap_##T(r);                                                                     \
+    }                                                                                              \
     void store_##T(uint8_t* p, const T& r, bool swap);                                             \
     bool read_##T(DATA_MAP& map, T& r, bool swap);                                                 \
     void write_##T(DATA_MAP& map, const T& r, bool swap);
