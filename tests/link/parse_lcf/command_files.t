@@ -90,3 +90,19 @@ a.o lib.a l.cmd -o out.elf -e _start
 --- stderr has
 "l.cmd", line 2: error: end of file encountered unexpectedly
 --- no-file out.elf
+--- case dot has no value outside of an output section
+--- l.cmd
+-e _start
+MEMORY { M : o = 0, l = 0x100 }
+SECTIONS { .text : { *(.text*) } > M }
+here = .;
+there = . + 4;
+--- args
+a.o lib.a l.cmd -o out.elf
+--- exit
+1
+--- stderr
+"l.cmd", line 4: error: illegal expression
+"l.cmd", line 5: error: illegal expression
+error: errors encountered during linking; "out.elf" not built
+--- no-file out.elf
