@@ -100,11 +100,12 @@ ECC { f : { a = 1 } } VERSION { V1 { *; }; }
 MEMORY { } SECTIONS { } = ; } "open
 /* open
 """,
+    "empty_pattern": 'SECTIONS { .a : { *<"">("\0x", "") ""(.b) } }\n',
 }
 
 
-def run(*command):
-    subprocess.run([str(part) for part in command], check=True)
+def run(*command, cwd=None):
+    subprocess.run([str(part) for part in command], check=True, cwd=cwd)
 
 
 def assemble(directory, name):
@@ -166,7 +167,7 @@ def main():
     for name, options, members in (("plain", "rcS", [objects["tiny"]]), ("index", "rc", [objects["thumb"], long_name]),
                                    ("thin", "rcT", [objects["tiny"]])):
         archive = directory / (name + ".a")
-        run(TOOL + "ar", options + "D", archive, *members)
+        run(TOOL + "ar", options + "D", archive.name, *(member.name for member in members), cwd=directory)
         seed("archive", name, archive.read_bytes())
     seed("archive", "empty", b"!<arch>\n")
     # The other kind of long-name table: the start of the name in the header, its offset as the owner.
