@@ -73,7 +73,8 @@ void MZONE::add_chunk(size_t size) {
 
 const char* MZONE::copy(std::string_view text) {
     char* to = static_cast<char*>(alloc(text.size() + 1));
-    std::memcpy(to, text.data(), text.size());
+    if (!text.empty())
+        std::memcpy(to, text.data(), text.size()); // an empty view may have no address
     to[text.size()] = '\0';
     return to;
 }
