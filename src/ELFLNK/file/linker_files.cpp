@@ -11,27 +11,33 @@
 #include "OBJEDIT04/ofe/object_file.h"
 #include "OPTIONGEN/option_obj.h"
 
-#include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <ctime>
+#include <string>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
 
-/// Ends the link if a file of that name cannot be written. What an earlier link left is removed: it
-/// must not be taken for the result of this one. The file is not truncated, since it may be an
-/// input that is mapped, and what is no regular file (/dev/null) stays.
+/// True if a file of that name can be written, or one made where there is none.
+bool is_writable(const char* name, bool exists) {
+    if (exists) return access(name, W_OK) == 0;
+    const char* slash = strrchr(name, '/');
+    if (slash == nullptr) return access(".", W_OK | X_OK) == 0;
+    return access(std::string(name, slash + 1).c_str(), W_OK | X_OK) == 0;
+}
+
+/// Ends the link if the output cannot be written. What an earlier link left is removed: it must not
+/// be taken for the result of this one, nor may an empty file. Nothing is opened, since the name
+/// may be that of an input that is mapped; what is no regular file (/dev/null) stays.
 void check_writable(const char* name) {
-    FILE* file = fopen(name, "ab");
-    if (file == nullptr) {
-        DIAG_REPORT(elnk_open_outfile, name);
-        return;
-    }
     struct stat info;
-    const bool is_regular = fstat(fileno(file), &info) == 0 && S_ISREG(info.st_mode);
-    fclose(file);
-    if (is_regular) unlink(name);
+    const bool exists = stat(name, &info) == 0;
+    if (!is_writable(name, exists) || (exists && S_ISDIR(info.st_mode)))
+        DIAG_REPORT(elnk_open_outfile, name);
+    else if (exists && S_ISREG(info.st_mode))
+        unlink(name);
 }
 
 OFE::OF_FILE_TYPE output_type() {

@@ -40,6 +40,22 @@ void set_unfinished(const char* path) {
     if (strlen(path) < sizeof unfinished) strcpy(unfinished, path);
 }
 
+// No signal is handled while this lives: a file exists and is known to exist, or neither.
+class SIGNALS_HELD {
+  public:
+    SIGNALS_HELD() {
+        sigset_t all;
+        sigfillset(&all);
+        sigprocmask(SIG_SETMASK, &all, &before_);
+    }
+    ~SIGNALS_HELD() { sigprocmask(SIG_SETMASK, &before_, nullptr); }
+    SIGNALS_HELD(const SIGNALS_HELD&) = delete;
+    SIGNALS_HELD& operator=(const SIGNALS_HELD&) = delete;
+
+  private:
+    sigset_t before_;
+};
+
 mode_t creation_mask() {
     mode_t mask = umask(0);
     umask(mask);
@@ -60,6 +76,7 @@ OUTPUT_WRITER::~OUTPUT_WRITER() {
 
 bool OUTPUT_WRITER::open_beside() {
     std::string path = std::string(name_) + ".XXXXXX";
+    SIGNALS_HELD held;
     int fd = mkstemp(path.data());
     if (fd < 0) return false;
     ::close(fd);
