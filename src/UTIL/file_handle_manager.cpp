@@ -11,6 +11,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+namespace {
+
+// What a pipe or a device may give: some devices never end.
+constexpr size_t LONGEST_STREAM = size_t{1} << 30;
+
+} // namespace
+
 FHM_FILE::FHM_FILE(FILE_HANDLE_MANAGER* manager, const char* name, const char* mode)
     : manager_(manager),
       name_(name),
@@ -69,7 +76,12 @@ bool FHM_FILE::map_descriptor(int fd) {
     std::vector<uint8_t> bytes;
     uint8_t block[16384];
     ssize_t got;
-    while ((got = read(fd, block, sizeof block)) > 0) bytes.insert(bytes.end(), block, block + got);
+    while ((got = read(fd, block, sizeof block)) > 0) {
+        bytes.insert(bytes.end(), block, block + got);
+        if (bytes.size() <= LONGEST_STREAM) continue;
+        errno = EFBIG;
+        return false;
+    }
     if (got < 0) return false;
     read_copy_ = std::make_unique<uint8_t[]>(bytes.size() + 1);
     std::copy(bytes.begin(), bytes.end(), read_copy_.get());

@@ -60,3 +60,40 @@ a.o odd.o once.cmd -o out.elf --entry_point=_start
    from 0xb to 0x4
 error: errors encountered during linking; "out.elf" not built
 --- no-file out.elf
+--- case dot may not go below the section either
+--- below.cmd
+MEMORY { FLASH : origin = 0x100, length = 0x1000 }
+SECTIONS { .text : { . -= 8; *(.text.q) *(.text.p) } > FLASH }
+--- args
+a.o below.cmd -o out.elf --entry_point=_start
+--- exit
+1
+--- stderr
+"below.cmd", line 2: error: assignment to '.' reduces the current section
+   offset from 0 to 0xfffffffffffffff8
+error: errors encountered during linking; "out.elf" not built
+--- no-file out.elf
+--- case a section larger than a file of 32 bits can say
+--- large.cmd
+MEMORY { ALL : origin = 0, length = 0x400000000 }
+SECTIONS { .text : { *(.text.q) *(.text.p) } > ALL  .large : { . += 0x100000000; } > ALL }
+--- args
+a.o large.cmd -o out.elf --entry_point=_start
+--- exit
+1
+--- stderr has
+"large.cmd", line 2: error: the size of ".large", 0x100000000, is more than an
+output file can hold
+--- no-file out.elf
+--- case an object at the end of the address space
+--- end.cmd
+MEMORY { FLASH : origin = 0x100, length = 0x1000 }
+SECTIONS { .text : { *(.text.q) *(.text.p) } > 0xFFFFFFFFFFFFFFFF }
+--- args
+a.o end.cmd -o out.elf --entry_point=_start
+--- exit
+1
+--- stderr has
+warning: specified address lies outside memory map
+error: program will not fit into available memory.
+--- no-file out.elf

@@ -155,6 +155,8 @@ TEST(hostile, symbols_relocations_and_groups_that_point_nowhere_are_reported) {
     } const CASES[] = {
         {".symtab", 16 + 14, 2, 0x1234, "refers to section 4660, which does not exist"},
         {".symtab", 16 + 14, 2, 0xFFFF, "which does not exist"},
+        {".symtab", 16 + 14, 2, 0xFFEC, "the unknown special section index 0xffec"},
+        {".symtab", 16 + 12, 1, 0xA0, "the binding of symbol 1 in \".symtab\" is 0xa"},
         {".symtab", 16, 4, 0x10000, "outside of the string table"},
         {".rel.text.main", 5, 3, 0x4321, "refers to symbol 17185, which does not exist"},
         {"once", 4, 4, 0x1000, "has section 4096 as a member"},
@@ -171,6 +173,22 @@ TEST(hostile, symbols_relocations_and_groups_that_point_nowhere_are_reported) {
         use_all(*f);
         EXPECT_TRUE(reported(c.text))
             << c.section << ": " << (errors.empty() ? "" : errors[0].text);
+    }
+}
+
+TEST(hostile, a_common_symbol_is_aligned_to_a_power_of_2) {
+    for (auto [align, is_good] :
+         {std::pair{0u, true}, {1u, true}, {0x80000000u, true}, {12u, false}}) {
+        VICTIM v;
+        unsigned symbol = read_u32(&v.bytes[v.header_of(".symtab") + 16], false) + ELF_SYMSIZE;
+        v.put(symbol + 4, 4, align);
+        v.put(symbol + 14, 2, SHN_COMMON);
+        errors.clear();
+        FILE_PTR f = read_file(v.bytes);
+        ASSERT_TRUE(f);
+        OF_RAW_SYMBOL raw;
+        f->symbol_table()->raw_symbol(1, raw);
+        EXPECT_NE(reported("the alignment of the common symbol 1"), is_good) << align;
     }
 }
 
