@@ -323,6 +323,9 @@ class LOCATOR {
     bool insert_into_virtual_range(uint64_t addr);
     std::string failure_text(const std::vector<MEMORY_RANGE*>& list);
     void report_failure(const std::vector<MEMORY_RANGE*>& list);
+    uint64_t lead_in() const;
+    bool stands_aside(const LOCATOR* sub) const;
+    bool lay_out_aside(LOCATOR* sub);
     bool place_member(LOCATOR* sub, MEMORY_RANGE* trial, uint64_t& cursor);
     bool place_members(MEMORY_RANGE* trial);
     bool place_split_members(MEMORY_RANGE* trial);

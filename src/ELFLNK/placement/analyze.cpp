@@ -78,12 +78,17 @@ void settle_run_of_unallocated(ANALYSIS& a) {
     a.run = a.object->run_locator();
     if (a.run == nullptr) a.run = new LOCATOR(LOCATOR_KIND::BOTH, a.object);
     a.run->set_flag(LF_VIRTUAL);
-    if (a.load != nullptr) a.load->set_flag(LF_VIRTUAL);
+    if (a.load == nullptr) return;
+    a.load->set_flag(LF_VIRTUAL);
+    if (!a.run->has_flag(LF_SPECIFIC)) a.load->clear_flag(LF_SPECIFIC); // the run place comes first
 }
 
 void drop_load(ANALYSIS& a) {
     if (a.run != nullptr && a.run->is_both()) a.run->set_kind(LOCATOR_KIND::RUN);
-    if (a.load != nullptr) a.load->ignore_placement();
+    if (a.load != nullptr) {
+        a.load->ignore_placement();
+        a.load->clear_flag(LF_SPLIT); // or the section would be taken for a split one
+    }
     a.load = nullptr;
 }
 

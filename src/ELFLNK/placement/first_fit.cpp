@@ -187,6 +187,7 @@ bool LOCATOR::attempt_placement(MEMORY_RANGE* trial) {
 
     COLLECTION* collection = object_->is_collection() ? static_cast<COLLECTION*>(object_) : nullptr;
     if (collection != nullptr) prepare_collection();
+    if (is_split() && object_->size() == 0) clear_flag(LF_SPLIT); // there is nothing to spread
     if (is_split())
         return has_flag(LF_BLOCK) ? place_blocked_split_collection(trial)
                                   : place_split_collection(trial);

@@ -34,6 +34,10 @@ LOCATOR* locator_of_kind(const LINKER_OBJECT* object, LOCATOR_KIND kind) {
 constexpr uint32_t WISHES = LF_PLACEMENT_MASK | LF_PRIORITY | LF_HIGHEST | LF_SPLIT;
 static_assert(WISHES == 0x10409E);
 
+bool takes_no_memory_of(const LINKER_OBJECT* member, const LINKER_OBJECT* collection) {
+    return collection->has_attr(PA_ALLOCATED) && !member->has_attr(PA_ALLOCATED);
+}
+
 } // namespace
 
 // ---- sub-items --------------------------------------------------------------------------------
@@ -44,6 +48,8 @@ void LOCATOR::extract_subitems() {
     for (LINKER_OBJECT* member : collection->members()) {
         if (is_load() && is_split() && !member->has_attr(PA_HAS_DATA)) continue;
         LOCATOR* sub = locator_of_kind(member, kind_);
+        bool no_memory = takes_no_memory_of(member, object_);
+        if (sub == nullptr && is_load() && no_memory) continue; // loaded where it runs
         if (sub == nullptr) {
             sub = new LOCATOR(kind_, member);
             member->add_locator(sub);
@@ -55,6 +61,7 @@ void LOCATOR::extract_subitems() {
         if (is_split() && member->is_collection() && !member->has_attr(PA_NOSPLIT))
             sub->set_flag(LF_SPLIT);
         sub->set_flag(flags_ & (LF_VIRTUAL | LF_BEHIND_LAST));
+        if (no_memory) sub->set_flag(LF_VIRTUAL);
         sub->analyze();
         sub_items_.push_back(sub);
     }
@@ -73,16 +80,31 @@ void LOCATOR::subitem_extremities(LOCATOR*& lowest, LOCATOR*& highest) const {
         if (highest == nullptr || item->end_ > highest->end_) highest = item;
     };
     for (LOCATOR* sub : sub_items_)
-        if (!sub->is_virtual() || is_virtual()) look_at(sub);
+        if (!stands_aside(sub)) look_at(sub);
     for (LOCATOR* item : pending_items_) look_at(item);
 }
 
 // ---- the first placement ----------------------------------------------------------------------
 
+/// The member has a range of its own, and its size is not part of the collection's.
+bool LOCATOR::stands_aside(const LOCATOR* sub) const {
+    return sub->is_virtual() && (!is_virtual() || takes_no_memory_of(sub->object_, object_));
+}
+
+bool LOCATOR::lay_out_aside(LOCATOR* sub) {
+    MEMORY_RANGE aside("TEMP_LAYOUT_RANGE", 0, no_limit,
+                       MEMORY_RANGE::ATTR_HIDDEN | MEMORY_RANGE::ATTR_TEMP_LAYOUT);
+    bool placed = sub->insert_into_range(&aside);
+    sub->update_range(nullptr);
+    aside.clear_contents();
+    return placed;
+}
+
 bool LOCATOR::place_member(LOCATOR* sub, MEMORY_RANGE* trial, uint64_t& cursor) {
     if (is_ordered()) sub->min_address_ = cursor;
     if (sub->object_->is_dot_expression()) assign_to_dot(sub, cursor);
-    if (sub->is_virtual() && !trial->is_hidden()) {
+    if (stands_aside(sub)) {
+        if (trial->is_temp_layout()) return lay_out_aside(sub);
         uint64_t place = cursor;
         if (is_overlay()) place = std::max(trial->origin(), min_address_);
         if (is_highest()) place = std::min(trial->end(), max_address_);
@@ -115,6 +137,17 @@ bool LOCATOR::place_collection(MEMORY_RANGE* trial) {
     return true;
 }
 
+/// How far the aligned start of a collection lies below its first member. An image that is loaded
+/// elsewhere begins as it does where it runs, whatever address it was given.
+uint64_t LOCATOR::lead_in() const {
+    const LOCATOR* run = is_load() ? object_->run_locator() : nullptr;
+    if (run == nullptr || !run->is_placed()) return address_ % align_;
+    LOCATOR* lowest;
+    LOCATOR* highest;
+    run->subitem_extremities(lowest, highest);
+    return lowest != nullptr ? lowest->address_ - run->address_ : 0;
+}
+
 void LOCATOR::set_collection_endpoints() {
     LOCATOR* lowest;
     LOCATOR* highest;
@@ -122,7 +155,7 @@ void LOCATOR::set_collection_endpoints() {
     if (lowest != nullptr) set_extent(lowest->address_, highest->end_);
     object_->clear_attr(PA_PADDED);
     if (highest != nullptr) object_->set_attr(highest->object_->attrs() & PA_PADDED);
-    if (has_flag(LF_ALIGN | LF_BLOCK) && align_ >= 2) address_ -= address_ % align_;
+    if (has_flag(LF_ALIGN | LF_BLOCK) && align_ >= 2) address_ -= lead_in();
     if (has_flag(LF_PALIGN)) {
         uint64_t padded = align(end_);
         if (padded != end_) object_->set_attr(PA_PADDED);
@@ -178,8 +211,11 @@ void LOCATOR::copy_layout(MEMORY_RANGE* range, const LOCATOR* source, uint64_t d
         const LOCATOR* first = locator_of_kind(sub->object_, source->kind_);
         if (first == nullptr || !first->has_flag(LF_PLACED | LF_PRE_PLACED))
             DIAG_REPORT(elnk_place_no_existing_placement);
-        if (sub->is_virtual() && sub->is_placed()) continue; // it stands in a range of its own
         uint64_t start = first->address_ + delta;
+        if (stands_aside(sub)) {
+            if (!sub->is_placed()) sub->place_virtual(start);
+            continue;
+        }
         sub->set_extent(start, start + sub->object_->size());
         sub->range_ = range;
         sub->set_flag(LF_PLACED | LF_COMPLETE);
