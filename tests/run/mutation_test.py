@@ -237,7 +237,7 @@ SYM = ("IIIBBH", 0, "st_name st_value st_size st_info st_other st_shndx")
 REL = ("II", 0, "r_offset r_info")
 RELA = ("III", 0, "r_offset r_info r_addend")
 WIDTH = {"B": 1, "H": 2, "I": 4}
-SYMTAB, STRTAB, TYPE_RELA, TYPE_REL, GROUP, ATTRIBUTES = 2, 3, 4, 9, 17, 0x70000003
+PROGBITS, SYMTAB, STRTAB, TYPE_RELA, NOBITS, TYPE_REL, GROUP, ATTRIBUTES = 1, 2, 3, 4, 8, 9, 17, 0x70000003
 SECTION_TYPES = [0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 11, 14, 17, 18, 0x6FFFFFF6, 0x6FFFFFFF, 0x70000001, 0x70000002,
                  0x70000003, 0x7F000001, 0xFFFFFFFF]
 
@@ -366,11 +366,10 @@ def mutate_group(rng, elf):
 
 def mutate_contents(rng, elf):
     """Bytes of any section: also of debug information, attributes and index tables."""
-    i = rng.choice([i for i, h in enumerate(elf.heads) if h["sh_size"] and h["sh_type"] != 8])
+    held = [i for i, h in enumerate(elf.heads) if h["sh_size"] and h["sh_type"] != NOBITS]
+    unloaded = [i for i in held if elf.heads[i]["sh_type"] in (PROGBITS, ATTRIBUTES) and not elf.heads[i]["sh_flags"] & 2]
+    i = rng.choice(unloaded if unloaded and rng.random() < 0.6 else held)
     at, size = elf.heads[i]["sh_offset"], elf.heads[i]["sh_size"]
-    if rng.random() < 0.3 and elf.of_type(ATTRIBUTES):
-        i = elf.of_type(ATTRIBUTES)[0]
-        at, size = elf.heads[i]["sh_offset"], elf.heads[i]["sh_size"]
     start, count, value = rng.randrange(size), rng.choice([1, 1, 4, 16]), rng.choice([0, 0x7F, 0x80, 0xFF, rng.randrange(256)])
     for k in range(start, min(size, start + count)):
         elf.put(at + k, 1, value)
