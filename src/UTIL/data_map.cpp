@@ -11,17 +11,8 @@ DATA_MAP::DATA_MAP(const DATA_MAP& other) {
 
 DATA_MAP& DATA_MAP::operator=(const DATA_MAP& other) {
     if (this == &other) return *this;
-    endian_ = other.endian_;
-    pending_ = other.pending_;
-    owned_ = other.owned_;
-    failed_ = other.failed_;
-    pos_ = other.pos_;
-    file_ = other.file_;
-    file_offset_ = other.file_offset_;
-    file_size_ = other.file_size_;
     buffer_ = other.buffer_;
-    data_ = owned_ ? buffer_.data() : other.data_;
-    size_ = other.size_;
+    take_state(other);
     return *this;
 }
 
@@ -31,6 +22,14 @@ DATA_MAP::DATA_MAP(DATA_MAP&& other) noexcept {
 
 DATA_MAP& DATA_MAP::operator=(DATA_MAP&& other) noexcept {
     if (this == &other) return *this;
+    buffer_ = std::move(other.buffer_);
+    take_state(other);
+    other.clear();
+    return *this;
+}
+
+// Everything but the buffer, which is here by now.
+void DATA_MAP::take_state(const DATA_MAP& other) {
     endian_ = other.endian_;
     pending_ = other.pending_;
     owned_ = other.owned_;
@@ -39,11 +38,8 @@ DATA_MAP& DATA_MAP::operator=(DATA_MAP&& other) noexcept {
     file_ = other.file_;
     file_offset_ = other.file_offset_;
     file_size_ = other.file_size_;
-    buffer_ = std::move(other.buffer_);
     data_ = owned_ ? buffer_.data() : other.data_;
     size_ = other.size_;
-    other.clear();
-    return *this;
 }
 
 void DATA_MAP::drop_source() {

@@ -152,6 +152,7 @@ class DATA_MAP {
     }
     void resolve_file() const;
     void make_owned();
+    void take_state(const DATA_MAP& other);
     void drop_source();
     /// The place for `size` bytes at `offset` in the own buffer, which grows.
     uint8_t* room(uint64_t offset, uint64_t size);

@@ -120,13 +120,8 @@ int OF_SECTION_TABLE::purge_deleted_sections() {
     if (max_state(OF_STATE_OPEN) != 0) return -1;
     if (!has_deleted_) return 0;
     static bool running = false;
-    if (running) {
-        ofile()->set_error(
-            OF_ERROR_INTERNAL,
-            "recursive call detected to a method that does not support recursive calls");
-        return -1;
-    }
-    running = true;
+    const NO_REENTRY once(running, ofile());
+    if (once.refused()) return -1;
     int result = load_all_sections_into_mem();
     RECORD_MAP<unsigned> map(sections_.size(), OF_DELETED);
     unsigned kept = 0;
@@ -143,7 +138,6 @@ int OF_SECTION_TABLE::purge_deleted_sections() {
     section_symbols_at_ = OF_DELETED;
     result |= update_translations(map);
     result |= patch_section_refs();
-    running = false;
     return result;
 }
 
@@ -157,12 +151,7 @@ int OF_SECTION_TABLE::load_all_sections_into_mem() {
 
 int OF_SECTION_TABLE::update_translations(const RECORD_MAP<unsigned>& map) {
     if (max_state(OF_STATE_LOCKED) != 0) return -1;
-    if (translations_.empty()) {
-        translations_ = map;
-    } else {
-        for (unsigned& t : translations_)
-            if (t != OF_DELETED) t = t < map.size() ? map[t] : OF_DELETED;
-    }
+    compose_translations(translations_, map, OF_DELETED);
     translations_pending_ = true;
     return 0;
 }

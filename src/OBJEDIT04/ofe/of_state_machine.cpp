@@ -75,4 +75,12 @@ int OF_STATE_MACHINE::min_state(OF_STATE s) const {
     return -1;
 }
 
+NO_REENTRY::NO_REENTRY(bool& running, OBJECT_FILE* file) : running_(running), refused_(running) {
+    if (refused_)
+        file->set_error(
+            OF_ERROR_INTERNAL,
+            "recursive call detected to a method that does not support recursive calls");
+    running_ = true;
+}
+
 } // namespace OFE

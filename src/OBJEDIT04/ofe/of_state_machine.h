@@ -40,4 +40,22 @@ class OF_STATE_MACHINE {
     OF_STATE state_ = OF_STATE_OPEN;
 };
 
+/// Keeps a method that works on the whole table from being entered again while it runs. The flag is
+/// the method's own; a second entry is reported to the file and refused.
+class NO_REENTRY {
+  public:
+    NO_REENTRY(bool& running, OBJECT_FILE* file);
+    ~NO_REENTRY() {
+        if (!refused_) running_ = false;
+    }
+    NO_REENTRY(const NO_REENTRY&) = delete;
+    NO_REENTRY& operator=(const NO_REENTRY&) = delete;
+
+    bool refused() const { return refused_; }
+
+  private:
+    bool& running_;
+    bool refused_;
+};
+
 } // namespace OFE

@@ -138,12 +138,7 @@ int OF_SYMBOL_TABLE::clear() {
 
 int OF_SYMBOL_TABLE::update_translations(const RECORD_MAP<unsigned>& map) {
     if (max_state(OF_STATE_LOCKED) != 0) return -1;
-    if (translations_.empty()) {
-        translations_ = map;
-    } else {
-        for (unsigned& t : translations_)
-            if (t != OF_DELETED) t = t < map.size() ? map[t] : OF_DELETED;
-    }
+    compose_translations(translations_, map, OF_DELETED);
     translations_pending_ = true;
     return 0;
 }

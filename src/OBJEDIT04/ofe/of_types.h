@@ -111,6 +111,17 @@ template <class T>
 using RECORD_MAP = std::vector<T>;
 inline constexpr unsigned OF_DELETED = 0xFFFFFFFFu;
 
+/// What translations say after a further renumbering by map. Empty translations are the identity.
+template <class T>
+void compose_translations(RECORD_MAP<T>& translations, const RECORD_MAP<T>& map, T deleted) {
+    if (translations.empty()) {
+        translations = map;
+        return;
+    }
+    for (T& t : translations)
+        if (t != deleted) t = t < map.size() ? map[t] : deleted;
+}
+
 // The name of the section that stands in the place of a deleted one.
 inline constexpr const char* OF_DELETED_SECTION_NAME = "__QV_deleted_section";
 

@@ -168,18 +168,13 @@ int ELF_SEGMENT_TABLE::purge_deleted_segments() {
     if (max_state(OF_STATE_OPEN) != 0) return -1;
     if (!has_deleted_) return 0;
     static bool running = false;
-    if (running) {
-        ofile()->set_error(
-            OF_ERROR_INTERNAL,
-            "recursive call detected to a method that does not support recursive calls");
-        return -1;
-    }
-    running = true;
+    const NO_REENTRY once(running, ofile());
+    if (once.refused()) return -1;
     int result = load_all_segments_into_mem();
     purge_deleted_seg_objects();
     RECORD_MAP<unsigned short> map(segnum(), SEGMENT_DELETED);
     unsigned short kept = 0;
-    for (unsigned short i = 0; i < map.size(); ++i) {
+    for (unsigned short i = 0, n = segnum(); i < n; ++i) {
         if (is_deleted(i)) continue;
         map[i] = kept;
         if (kept != i) {
@@ -195,7 +190,6 @@ int ELF_SEGMENT_TABLE::purge_deleted_segments() {
     has_deleted_ = false;
     result |= update_translations(map);
     result |= patch_segment_refs();
-    running = false;
     return result;
 }
 
@@ -208,12 +202,7 @@ int ELF_SEGMENT_TABLE::purge_deleted_seg_objects() {
 
 int ELF_SEGMENT_TABLE::update_translations(const RECORD_MAP<unsigned short>& map) {
     if (max_state(OF_STATE_LOCKED) != 0) return -1;
-    if (translations_.empty()) {
-        translations_ = map;
-    } else {
-        for (unsigned short& t : translations_)
-            if (t != SEGMENT_DELETED) t = t < map.size() ? map[t] : SEGMENT_DELETED;
-    }
+    compose_translations(translations_, map, SEGMENT_DELETED);
     section_map_valid_ = false;
     return 0;
 }
@@ -286,7 +275,7 @@ int ELF_SEGMENT_TABLE::lock_segment_ordering() {
     RECORD_MAP<unsigned short> map(order.size());
     std::vector<std::unique_ptr<ELF_SEGMENT>> segments(order.size());
     std::vector<std::unique_ptr<Elf32_Phdr>> headers(order.size());
-    for (unsigned short i = 0; i < order.size(); ++i) {
+    for (unsigned short i = 0, n = segnum(); i < n; ++i) {
         map[order[i]] = i;
         segments[i] = std::move(segments_[order[i]]);
         headers[i] = std::move(headers_[order[i]]);
