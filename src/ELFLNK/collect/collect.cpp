@@ -14,11 +14,17 @@
 #include "ELFLNK/build/link_kind.h"
 #include "ELFLNK/collect/empty_specs.h"
 #include "ELFLNK/collect/spec_matcher.h"
+#include "ELFLNK/exidx/exidx.h"
+#include "ELFLNK/expr/expression.h"
+#include "ELFLNK/file/obj_file.h"
+#include "ELFLNK/compress/compress_db.h"
+#include "ELFLNK/crc/crc_table.h"
 #include "ELFLNK/locator/locator.h"
 #include "ELFLNK/object/root_collection.h"
 #include "ELFLNK/object/section.h"
 #include "ELFLNK/object/section_spec.h"
 #include "ELFLNK/object/symbol_object.h"
+#include "ELFLNK/table/copy_table_db.h"
 #include "ELFLNK/target/abi.h"
 #include "ELFLNK/target/target.h"
 #include "OBJEDIT04/ofe/of_section.h"
@@ -31,7 +37,6 @@
 
 static register_option debug_collect("debug:collect");
 static register_option debug_sspec("debug:sspec");
-static register_option disable_filename_as_subsection("disable:filename_as_subsection");
 
 COLLECTION* create_default_collection(const char* name) {
     static int unnamed_count = 0;
@@ -63,6 +68,10 @@ class DEFAULT_COLLECTIONS {
   private:
     std::unordered_map<std::string, SECTION_SPEC*> specs_;
 };
+
+const char* file_name(const SECTION* section) {
+    return section->orig_infile() != nullptr ? section->orig_infile()->name() : "";
+}
 
 std::vector<COLLECTION*> output_collections() {
     std::vector<COLLECTION*> list;
@@ -100,8 +109,8 @@ void collect_bound_sections(const std::vector<SECTION*>& sections) {
         COLLECTION* outsect = create_default_collection(section->original_section_name());
         outsect->set_made_by_collect();
         place_where_bound(outsect, section->OF_SECTION_api());
-        trace_collect.printf("adding bound section %s to collection %s",
-                             section->original_section_name(), outsect->name());
+        trace_collect.printf("adding bound section %s from %s to collection %s\n",
+                             section->original_section_name(), file_name(section), outsect->name());
         outsect->add_member(section, true);
         outsect->set_placement_attributes();
     }
@@ -134,20 +143,12 @@ bool keeps_to_itself(SECTION* section, const SECTION_SPEC* spec) {
 
 void collect_by_itself(SECTION* section) {
     const bool full_name = is_elf_partial_link() && !section->has_attr(PA_PMDATA) &&
-                           disable_filename_as_subsection == 0;
+                           !global_opts->isopt(OPT_disable_filename_as_subsection);
     COLLECTION* outsect =
         create_default_collection(full_name ? section->name() : section->original_section_name());
     outsect->add_member(section, true);
-    trace_collect.printf("adding uncollected section %s to collection %s\n",
-                         section->original_section_name(), outsect->name());
-}
-
-/// The name that a section is collected by. Index entries for unwinding come one section per
-/// function and belong into one table.
-const char* collected_name(const SECTION* section) {
-    constexpr const char* INDEX_TABLE = ".ARM.exidx";
-    const char* name = section->original_section_name();
-    return std::string_view(name).starts_with(INDEX_TABLE) ? INDEX_TABLE : name;
+    trace_collect.printf("adding uncollected section %s from %s to collection %s\n",
+                         section->original_section_name(), file_name(section), outsect->name());
 }
 
 void collect_sections(const std::vector<SECTION*>& sections, const SPEC_LIST& specs,
@@ -155,8 +156,8 @@ void collect_sections(const std::vector<SECTION*>& sections, const SPEC_LIST& sp
     SPEC_MATCHER matcher(specs);
     const bool combine = combine_subsections();
     for (SECTION* section : sections) {
-        if (section->outsect_object() != nullptr) continue;
-        const char* name = collected_name(section);
+        if (section->outsect_object() != nullptr || section->is_exidx()) continue;
+        const char* name = section->original_section_name();
         SECTION_SPEC* spec = matcher.find(name, section->orig_infile());
         if (spec != nullptr && section->has_attr(PA_P3_PLACEMENT)) {
             DIAG_REPORT(elnk_force_p3obj_default_collect, name);
@@ -169,7 +170,9 @@ void collect_sections(const std::vector<SECTION*>& sections, const SPEC_LIST& sp
         if (spec == nullptr)
             spec = defaults.spec_for(combine ? Target->abi()->section_base_name(name) : name);
         spec->add_member(section, true);
-        trace_collect.printf("adding section %s to collection %s", name, spec->name());
+        trace_collect.printf("adding section %s from %s to collection %s (spec: %s, line %d)\n",
+                             name, file_name(section), spec->name(), spec->source_position().file(),
+                             spec->source_position().line());
     }
 }
 
@@ -185,7 +188,7 @@ void collect_common_blocks(const SPEC_LIST& specs, DEFAULT_COLLECTIONS& defaults
                 ? *at
                 : defaults.spec_for(Target->abi()->common_block_section_name(block->symbol()));
         spec->add_member(block, true);
-        trace_collect.printf("adding common block %s to collection %s", block->name(),
+        trace_collect.printf("adding common block %s to collection %s\n", block->name(),
                              spec->name());
     }
 }
@@ -235,12 +238,17 @@ void collect() {
         collect_sections(sections, specs, defaults);
         collect_common_blocks(specs, defaults);
     }
+    EXIDX::add_exception_tables();
     report_empty_specs(specs);
     // Every section and common block that takes part hangs in the tree.
 
     root_collection->flatten_section_specs();
     if (!can_user_specify_rom_flags()) walk_collections(root_collection, refuse_rom_attributes);
+    global_copy_table_db->restrict_table_outsect();
     Target->update_after_collection();
+    global_compress_db->update_after_collection();
+    global_crc_table_db->restrict_table_outsect();
+    EXPRESSION::unreferenced_removed_m = true;
     root_collection->update_after_collection();
     report_unspecified_sections();
     // Attributes of the whole tree are settled.

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <map>
+#include <string>
 #include <tuple>
 
 #include "ELFLNK/filter/filter.h"
@@ -23,17 +24,24 @@ SPEC_MATCHER::SPEC_MATCHER(const std::vector<SECTION_SPEC*>& specs)
     tried_.erase(std::unique(tried_.begin(), tried_.end()), tried_.end());
 }
 
+/// What tells filters apart; "" for none.
+static std::string key_of(const FILTER* filter) {
+    std::string key;
+    for (; filter != nullptr; filter = filter->right()) {
+        if (filter->get_kind() == FILTER::PATTERN) return key + filter->get_pattern();
+        key += key_of(filter->left());
+        key += static_cast<char>(filter->get_kind()); // no character of a name
+    }
+    return key;
+}
+
 void SPEC_MATCHER::group_by_files() {
-    auto text = [](const FILTER* filter) {
-        const bool plain = filter != nullptr && filter->get_pattern() != nullptr;
-        return std::string_view(plain ? filter->get_pattern() : "");
-    };
-    using FILES = std::tuple<const INPUT_FILE*, std::string_view, std::string_view>;
+    using FILES = std::tuple<const INPUT_FILE*, std::string, std::string>;
     std::map<FILES, uint32_t> classes;
     for (uint32_t i = 0; i < specs_.size(); ++i) {
         const SECTION_SPEC* spec = specs_[i];
-        const FILES files{spec->exact_file(), text(spec->file_filter()),
-                          text(spec->member_filter())};
+        const FILES files{spec->exact_file(), key_of(spec->file_filter()),
+                          key_of(spec->member_filter())};
         const auto next = static_cast<uint32_t>(first_of_class_.size());
         const auto entry = classes.emplace(files, next).first;
         if (entry->second == next) first_of_class_.push_back(i);

@@ -1,8 +1,11 @@
 // The evaluation of an expression. What can't be known yet isn't an error: the node's status says
 // that it failed or is to be evaluated again, and the value is 0 or preliminary.
+#include <set>
+#include <tuple>
 #include <vector>
 
 #include "DIAG/elnk_msgs.h"
+#include "DIAG/user_msg_api.h"
 #include "ELFLNK/build/build.h"
 #include "ELFLNK/expr/expression.h"
 #include "ELFLNK/memmap/memory_map.h"
@@ -13,12 +16,14 @@
 #include "OBJEDIT04/ofe/of_section.h"
 #include "OBJEDIT04/ofe/of_symbol.h"
 
-// Reports the message `id` as an error of this node's evaluation.
-#define EXPR_ERROR(id, ...)                                                                        \
+// Reports the message `id` as an error of this node's evaluation; `about` tells messages of one id
+// apart.
+#define EXPR_ERROR_ABOUT(about, id, ...)                                                           \
     do {                                                                                           \
         DIAG::id expr_error_diag(__FILE__, __LINE__ __VA_OPT__(, ) __VA_ARGS__);                   \
-        evaluation_error(expr_error_diag);                                                         \
+        evaluation_error(expr_error_diag, about);                                                  \
     } while (false)
+#define EXPR_ERROR(id, ...) EXPR_ERROR_ABOUT(nullptr, id __VA_OPT__(, ) __VA_ARGS__)
 
 namespace {
 
@@ -121,17 +126,28 @@ void collect_foreign_symbols(const EXPRESSION* expr, const OFE::OF_SECTION* sect
     collect_foreign_symbols(expr->right(), section, found);
 }
 
+// Symbols of the output have 32 bits; negative values are their complement.
+void report_cut_value(const SOURCE_POSITION* pos, int64_t value, const char* name) {
+    if (value >= INT32_MIN && value <= int64_t{UINT32_MAX}) return;
+    USER_MSG::get_umsg_obj()->warning(
+        pos, 0U, "value %#llx of symbol \"%s\" does not fit into 32 bits; %#x is used",
+        static_cast<unsigned long long>(value), name, static_cast<unsigned>(value));
+}
+
 const char* section_name(const OFE::OF_SECTION* section) {
     return section != nullptr ? section->name() : "";
 }
 
 } // namespace
 
-// The one road of every error: silent failures mean "try again later".
-void EXPRESSION::evaluation_error(DIAGNOSTIC& diag) {
+// The one road of every error: silent failures mean "try again later". A tree is evaluated in many
+// passes, but what is wrong with a node is said once.
+void EXPRESSION::evaluation_error(DIAGNOSTIC& diag, const void* about) {
+    static std::set<std::tuple<const EXPRESSION*, unsigned, const void*>> said;
     dc_SEVERITY severity = diag.severity();
     if (severity >= dc_ERROR) status_ = EXPR_FAILED;
     if (severity == dc_FATAL || !silent_m || diag.info()->is_internal) {
+        if (!said.emplace(this, diag.info()->code, about).second) return;
         diag.set_src(&pos_);
         diag.report();
     } else {
@@ -211,8 +227,7 @@ int64_t EXPRESSION::evaluate_name() {
         EXPR_ERROR(elnk_expr_undef_sym, name);
         return 0;
     }
-    // Only the evaluations that report come after the removal of what nothing refers to.
-    if (!silent_m && !root_collection->symbol_is_in_link(sym))
+    if (unreferenced_removed_m && !root_collection->symbol_is_in_link(sym))
         EXPR_ERROR(elnk_expr_del_sym, name, name);
     if (sym->final_value()) return sym->value();
     EXPR_ERROR(elnk_expr_use_before_def, name);
@@ -235,7 +250,7 @@ int64_t EXPRESSION::evaluate_assign_to_dot(LINKER_OBJECT* object) {
         EXPR_ERROR(elnk_expr_bad_lobj);
         return 0;
     }
-    int64_t old = left_->evaluate_dot(object);
+    int64_t old = left_->evaluate(object);
     int64_t value = right_->evaluate(object);
     if (opcode_ == EXPR_OP_ASSIGN) return value;
     EXPR_OPCODE op = operation_of_assignment(opcode_);
@@ -330,6 +345,7 @@ int64_t EXPRESSION::evaluate_assign_to_symbol(LINKER_OBJECT* object) {
     if (expression_conflicts(section) || (Target->scn_addr_ops_use_bytes() && is_user_addr_op()))
         section = nullptr;
     bool final = evaluation_occurred() && !reevaluation_required() && !check_subtree_for_failure();
+    if (final && user_) report_cut_value(&pos_, value_, name);
     update_linker_symbol(sym, section, static_cast<uint64_t>(value_), final,
                          static_cast<OFE::OF_SYM_BINDING>(left_->binding_));
     return sym->value();
@@ -344,7 +360,7 @@ OFE::OF_SECTION* EXPRESSION::section_of_value(LINKER_OBJECT* object) {
     return sym != nullptr ? sym->section() : nullptr;
 }
 
-bool EXPRESSION::expression_conflicts(OFE::OF_SECTION* section) const {
+bool EXPRESSION::expression_conflicts(OFE::OF_SECTION* section) {
     if (section == nullptr) return false;
     std::vector<OFE::OF_SYMBOL*> foreign;
     collect_foreign_symbols(right_, section, foreign);
@@ -353,13 +369,12 @@ bool EXPRESSION::expression_conflicts(OFE::OF_SECTION* section) const {
     bool own_section = own != nullptr && own->section() == section;
     const char* own_name = own_section ? own->name() : "DOT operator";
     for (OFE::OF_SYMBOL* sym : foreign) {
-        if (silent_m) break;
         if (Target->sections_mix_addressability(section, sym->section()))
-            DIAG_REPORT_AT(&pos_, elnk_ldefsym_mixed_section_types, own_name, section_name(section),
-                           sym->name(), section_name(sym->section()));
+            EXPR_ERROR_ABOUT(sym, elnk_ldefsym_mixed_section_types, own_name, section_name(section),
+                             sym->name(), section_name(sym->section()));
         else
-            DIAG_REPORT_AT(&pos_, elnk_ldefsym_mixed_sections, own_name, section_name(section),
-                           sym->name(), section_name(sym->section()));
+            EXPR_ERROR_ABOUT(sym, elnk_ldefsym_mixed_sections, own_name, section_name(section),
+                             sym->name(), section_name(sym->section()));
     }
     return true;
 }

@@ -56,7 +56,7 @@ void EXPR_MGR::add_assignment(EXPRESSION* expr, LINKER_OBJECT* object, bool user
         DIAG_REPORT(elnk_bad_expr_op);
         return;
     }
-    trace_eval.printf("add_assignment: %s\n");
+    trace_eval.printf("add_assignment: %s\n", expr->get_string());
     expr->set_user(user);
     OBJREL_ASG asg{expr, object, nullptr, user};
     create_sym_for_assign(asg);
@@ -103,6 +103,22 @@ void EXPR_MGR::remove_assignment(const EXPRESSION* expr) {
     for (OBJREL_ASG& asg : assignments_)
         if (asg.expr == expr) asg.removed = true;
     if (!in_pass_) std::erase_if(assignments_, is_done);
+}
+
+static void give_assignment(OBJREL_ASG& asg, LINKER_OBJECT* to) {
+    asg.object = to;
+    if (asg.symbol != nullptr && global_symbols.is_linker_symbol(asg.symbol))
+        global_symbols.update_linker_symbol(asg.symbol, to);
+}
+
+void EXPR_MGR::move_assignment(const EXPRESSION* expr, LINKER_OBJECT* to) {
+    for (OBJREL_ASG& asg : assignments_)
+        if (asg.expr == expr) give_assignment(asg, to);
+}
+
+void EXPR_MGR::move_assignments(const LINKER_OBJECT* from, LINKER_OBJECT* to) {
+    for (OBJREL_ASG& asg : assignments_)
+        if (asg.object == from) give_assignment(asg, to);
 }
 
 void EXPR_MGR::add_refs(const EXPRESSION* expr) {
@@ -204,8 +220,13 @@ void EXPR_MGR::evaluate_until_settled(bool report) {
 bool EXPR_MGR::evaluate_one(size_t i, bool report) {
     if (assignments_[i].removed) return false;
     EXPRESSION* expr = assignments_[i].expr;
-    evaluate(expr, assignments_[i].object, report);
+    const LINKER_OBJECT* object = assignments_[i].object;
+    trace_eval.printf("%s(%u): %s\n", object != nullptr ? object->name() : "", expr->seq_id(),
+                      expr->get_string());
+    int64_t value = evaluate(expr, assignments_[i].object, report);
     bool settled = is_settled(expr);
+    trace_eval.printf("   (value = %08x, is_valid = %s, is_final = %s)\n", value,
+                      expr->check_subtree_for_failure() ? "no" : "yes", settled ? "yes" : "no");
     if (settled) assignments_[i].removed = true;
     return settled;
 }

@@ -33,6 +33,10 @@ class EXPR_MGR {
     void create_pending_symbols();
     /// Drops an assignment from the list; nothing happens if it isn't there.
     void remove_assignment(const EXPRESSION* expr);
+    /// One assignment belongs to another object from now on.
+    void move_assignment(const EXPRESSION* expr, LINKER_OBJECT* to);
+    /// All assignments of an object belong to another one from now on.
+    void move_assignments(const LINKER_OBJECT* from, LINKER_OBJECT* to);
     /// Adds the names that the expression refers to.
     void add_refs(const EXPRESSION* expr);
     /// Some expression of the link refers to the name.

@@ -11,6 +11,7 @@
 
 bool EXPRESSION::silent_m = false;
 bool EXPRESSION::suppress_order_of_eval_errors_m = false;
+bool EXPRESSION::unreferenced_removed_m = false;
 
 namespace {
 

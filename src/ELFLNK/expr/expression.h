@@ -40,7 +40,7 @@ enum EXPR_CLASS : unsigned {
 };
 
 /// How strongly an assignment defines its symbol; the values are those of a symbol's binding.
-enum EXPR_SYM_BINDING : int { EXPR_BIND_STRONG = 2, EXPR_BIND_WEAK = 3 };
+enum EXPR_SYM_BINDING : int { EXPR_BIND_LOCAL = 1, EXPR_BIND_STRONG = 2, EXPR_BIND_WEAK = 3 };
 
 /// How far the evaluation of a node has come.
 enum EXPR_STATUS : int {
@@ -119,6 +119,8 @@ class EXPRESSION : public OALLOC<EXPRESSION> {
     static bool silent_m;
     /// Symbols without a final value are waited for, not reported.
     static bool suppress_order_of_eval_errors_m;
+    /// What nothing refers to is out of the link: a symbol that isn't in it won't be.
+    static bool unreferenced_removed_m;
 
   private:
     int64_t evaluate_name();
@@ -133,8 +135,8 @@ class EXPRESSION : public OALLOC<EXPRESSION> {
     int64_t bad_expression();
     OFE::OF_SECTION* section_of_value(LINKER_OBJECT* object);
     bool illegal_placement_relative_op(const LINKER_OBJECT* object) const;
-    bool expression_conflicts(OFE::OF_SECTION* section) const;
-    void evaluation_error(DIAGNOSTIC& diag);
+    bool expression_conflicts(OFE::OF_SECTION* section);
+    void evaluation_error(DIAGNOSTIC& diag, const void* about);
 
     EXPR_OPCODE opcode_;
     EXPRESSION* left_ = nullptr;

@@ -110,7 +110,8 @@ FILTER::FILTER(OP_KIND kind, FILTER* left, FILTER* right)
 }
 
 FILTER::~FILTER() {
-    // An or-chain grows to the right, one filter per name of a list: no recursion along it.
+    // An or-chain grows to the right, one filter per name of a list: no recursion along it, here
+    // and below.
     FILTER* next = right_;
     while (next != nullptr) {
         FILTER* after = next->right_;
@@ -152,8 +153,12 @@ bool FILTER::has_wildcards(const char* text) {
 }
 
 bool FILTER::has_wildcards() const {
-    if (kind_ == PATTERN) return has_wildcards(pattern_);
-    return left_->has_wildcards() || (right_ != nullptr && right_->has_wildcards());
+    const FILTER* filter = this;
+    for (; filter->kind_ != PATTERN; filter = filter->right_) {
+        if (filter->left_->has_wildcards()) return true;
+        if (filter->right_ == nullptr) return false;
+    }
+    return has_wildcards(filter->pattern_);
 }
 
 bool FILTER::is_match_all(const char* text) {
@@ -169,9 +174,12 @@ bool FILTER::is_match_all(const char* text) {
 }
 
 bool FILTER::is_match_all() const {
-    if (kind_ == PATTERN) return is_match_all(pattern_);
-    if (kind_ != OR) return false;
-    return left_->is_match_all() || (right_ != nullptr && right_->is_match_all());
+    const FILTER* filter = this;
+    for (; filter->kind_ == OR; filter = filter->right_) {
+        if (filter->left_->is_match_all()) return true;
+        if (filter->right_ == nullptr) return false;
+    }
+    return filter->kind_ == PATTERN && is_match_all(filter->pattern_);
 }
 
 bool FILTER::supersedes(const FILTER* other) const {
@@ -186,19 +194,13 @@ int FILTER::supersede_compare(const FILTER* a, const FILTER* b) {
 }
 
 void FILTER::dump(bool newline) const {
-    static constexpr const char* OPERATORS[] = {"", " && ", " || ", "!"};
-    if (kind_ == PATTERN) {
-        std::printf("\"%s\"", pattern_);
-    } else if (kind_ == NOT) {
-        std::printf("%s", OPERATORS[NOT]);
-        left_->dump(false);
-    } else {
-        left_->dump(false);
-        if (right_ != nullptr) {
-            std::printf("%s", OPERATORS[kind_]);
-            right_->dump(false);
-        }
+    const FILTER* filter = this;
+    for (; filter != nullptr && filter->kind_ != PATTERN; filter = filter->right_) {
+        if (filter->kind_ == NOT) std::printf("!");
+        filter->left_->dump(false);
+        if (filter->right_ != nullptr) std::printf(filter->kind_ == AND ? " && " : " || ");
     }
+    if (filter != nullptr) std::printf("\"%s\"", filter->pattern_);
     if (newline) std::printf("\n");
 }
 

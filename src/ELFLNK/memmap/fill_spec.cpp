@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cmath>
 #include <cstdio>
 
 #include "DIAG/elnk_msgs.h"
@@ -48,7 +49,8 @@ uint32_t FILL_SPEC::digits(uint32_t radix) const {
         break;
     }
     if (radix < 2) return 0;
-    return divide_up(width_, bit_length(radix) - 1);
+    if (std::has_single_bit(radix)) return divide_up(width_, bit_length(radix) - 1);
+    return static_cast<uint32_t>(std::ceil(width_ / std::log2(radix)));
 }
 
 const char* FILL_SPEC::str() {
@@ -72,10 +74,10 @@ void FILL_SPEC::check_fill_width(const SOURCE_POSITION* pos) {
     width_ = divide_up(width_, 8) * 8;
     const uint32_t limit = std::min(Target->fill_max_width(), 64U);
     if (width_ <= limit) return;
-    DIAG_REPORT_AT(pos, elnk_fill_val_trunc, limit / 8, str());
     if (limit < 64) value_ &= (uint64_t{1} << limit) - 1;
     width_ = limit;
     text_ = nullptr;
+    DIAG_REPORT_AT(pos, elnk_fill_val_trunc, limit / 8, str());
 }
 
 FILL_SPEC* FILL_SPEC::default_fill() {

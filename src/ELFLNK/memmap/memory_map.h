@@ -4,6 +4,7 @@
 #include <list>
 
 #include "ELFLNK/memmap/memory_range.h"
+#include "ELFLNK/memmap/range_index.h"
 
 class MEMORY_MAP : public std::list<MEMORY_RANGE*> {
   public:
@@ -23,6 +24,8 @@ class MEMORY_MAP : public std::list<MEMORY_RANGE*> {
 
   private:
     void check(const MEMORY_RANGE* range) const;
+
+    RANGE_INDEX index_;
 };
 
 extern MEMORY_MAP* memory_map;

@@ -27,16 +27,19 @@ void SECTION_SPEC::add_file_name(const char* pattern) {
     file_filter_ = new FILENAME_FILTER(pattern);
 }
 
+/// One more alternative.
+template <class KIND>
+static void add_alternative(KIND*& filter, const char* pattern) {
+    auto* added = new KIND(pattern);
+    filter = filter == nullptr ? added : new KIND(FILTER::OR, added, filter);
+}
+
 void SECTION_SPEC::add_ar_member_name(const char* pattern) {
-    delete member_filter_;
-    member_filter_ = new FILENAME_FILTER(pattern);
+    add_alternative(member_filter_, pattern);
 }
 
 void SECTION_SPEC::add_section_name(const char* pattern) {
-    auto* filter = new SECTION_FILTER(pattern);
-    section_filter_ = section_filter_ == nullptr
-                          ? filter
-                          : new SECTION_FILTER(FILTER::OR, filter, section_filter_);
+    add_alternative(section_filter_, pattern);
 }
 
 // ---- matching ------------------------------------------------------------------------------

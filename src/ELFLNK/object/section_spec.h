@@ -30,7 +30,7 @@ class SECTION_SPEC : public COLLECTION {
     void add_file_name(const char* pattern);
     /// The one file meant, found while the command file was parsed.
     void add_objfile(INPUT_FILE* file) { file_ = file; }
-    /// Pattern for the archive member's name.
+    /// One more pattern for the archive member's name; several are alternatives.
     void add_ar_member_name(const char* pattern);
     /// One more section name; several are alternatives.
     void add_section_name(const char* pattern);

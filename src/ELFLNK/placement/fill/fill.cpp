@@ -43,14 +43,15 @@ void fill_range_gap(const MEMORY_RANGE* range, uint64_t start, uint64_t end, FIL
     filler->add_locator(locator);
     root_collection->add_member(filler, true);
     root_collection->add_outsect(filler);
-    const bool placed = locator->commit_specific_fill_sect();
-    if (placed)
-        trace_fill.printf("0x%08lx-0x%08lx: filled\n", start, end);
+    trace_fill.printf("\n--> Created Collection %s (fill = %s):\n", filler->name(), fill->str());
+    if (locator->commit_specific_fill_sect())
+        trace_fill.printf("0x%08lx-0x%08lx: filled with %s\n", start, end, fill->str());
     else
         trace_fill.printf("(placement failed)\n");
 }
 
 void fill_range(MEMORY_RANGE* range) {
+    trace_fill.printf("\n--> Memory Range %s: \n", range->name());
     const bool throughout = range->has_fill();
     FILL_SPEC* fill = throughout ? range->fill() : FILL_SPEC::default_fill();
     uint64_t cursor = range->origin();
@@ -84,7 +85,7 @@ void fill_collection_gap(COLLECTION* collection, uint64_t load_from, uint64_t ru
     if (LOCATOR* load = collection->load_locator())
         load->place_hole(space, load_from, load_from + size);
     collection->add_member(space, true);
-    trace_fill.printf("0x%08lx-0x%08lx: filled\n", load_from, load_to);
+    trace_fill.printf("0x%08lx-0x%08lx: filled with %s\n", load_from, load_to, fill->str());
 }
 
 bool has_initialized_data(SECTION* section) {
@@ -95,10 +96,15 @@ bool has_initialized_data(SECTION* section) {
 /// What a member itself is filled with.
 void inherit_fill(LINKER_OBJECT* member, FILL_SPEC* fill) {
     SECTION* section = as_section(member);
-    if (section != nullptr && has_initialized_data(section))
-        member->override_fill(nullptr);
-    else if ((section != nullptr || member->is_space()) && member->fill() == nullptr)
+    if (section != nullptr && has_initialized_data(section)) {
+        if (section->fill() == nullptr) return;
+        trace_fill.printf("%s:  cleared fill value %s for init section\n", section->name(),
+                          section->fill()->str());
+        section->override_fill(nullptr);
+    } else if ((section != nullptr || member->is_space()) && member->fill() == nullptr) {
         member->add_fill(fill);
+        trace_fill.printf("%s:  inherits fill value %s\n", member->name(), fill->str());
+    }
 }
 
 void order_by_load_address(COLLECTION* collection) {
@@ -116,8 +122,14 @@ void fill_collection(LINKER_OBJECT* obj) {
     if (collection == nullptr || !obj->has_attr(PA_ALLOCATED) || !obj->is_placed()) return;
     const LOCATOR* locator =
         obj->load_locator() != nullptr ? obj->load_locator() : obj->run_locator();
-    if (!locator->is_load() && !locator->is_both()) return;
+    if (!locator->is_load() && !locator->is_both()) {
+        trace_fill.printf("\nCollection has no load placement; skipping\n");
+        return;
+    }
     FILL_SPEC* fill = fill_of(collection, locator);
+    trace_fill.printf("\n--> Collection %s (kind = %s, fill = %s%s): \n", collection->name(),
+                      collection->collection_kind_name(), fill->str(),
+                      fill == FILL_SPEC::default_fill() ? " [default]" : "");
 
     std::vector<LINKER_OBJECT*> members(collection->members().begin(), collection->members().end());
     if (!LINKER_OBJECT::sort_placed_by_load_address(members))

@@ -29,6 +29,7 @@ TEST(fill_spec, digits_round_up_but_for_decimal) {
     EXPECT_EQ(fill.digits(16), 3u);
     EXPECT_EQ(fill.digits(8), 4u);
     EXPECT_EQ(fill.digits(2), 10u);
+    EXPECT_EQ(FILL_SPEC(0xFFF, 16, 3).digits(12), 4u); // 12 bits: 3.35 digits of 3.58 bits
 }
 
 TEST(fill_spec, a_value_wider_than_the_target_takes_is_cut_with_a_warning) {
@@ -45,7 +46,7 @@ TEST(fill_spec, a_value_wider_than_the_target_takes_is_cut_with_a_warning) {
     wide.check_fill_width(nullptr);
     fflush(stderr);
     std::string text = testing::internal::GetCapturedStderr();
-    EXPECT_NE(text.find("fill value truncated to 4 bytes:  123456789a"), std::string::npos) << text;
+    EXPECT_NE(text.find("fill value truncated to 4 bytes:  3456789a"), std::string::npos) << text;
     EXPECT_EQ(wide.value(), 0x3456789Au);
     EXPECT_EQ(wide.width(), 32u);
 }

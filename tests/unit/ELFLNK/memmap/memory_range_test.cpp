@@ -3,15 +3,18 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 #include <string>
 #include <vector>
 
+#include "DIAG/diagnostic.h"
 #include "ELFLNK/locator/locator.h"
 #include "ELFLNK/memmap/memory_map.h"
 #include "ELFLNK/memmap/memory_map_table.h"
 #include "ELFLNK/object/collection.h"
 #include "ELFLNK/object/space.h"
+#include "UTIL/savestr.h"
 
 namespace {
 
@@ -152,8 +155,8 @@ TEST(memory_range, leaves_are_output_sections_and_what_is_no_group) {
     whole->set_extent(0x10, 0x30);
     LOCATOR* first = item(0x10, 0x20);
     LOCATOR* second = item(0x20, 0x30);
-    whole->sub_items().push_back(first);
-    whole->sub_items().push_back(second);
+    whole->edit_sub_items().push_back(first);
+    whole->edit_sub_items().push_back(second);
     MEMORY_RANGE range("R", 0, 0x100);
     range.add_item(whole);
     EXPECT_EQ(range.contents().size(), 1u);
@@ -257,6 +260,96 @@ TEST(memory_map, searches_take_the_first_range_in_map_order) {
     EXPECT_EQ(map.intersects(0xF0, 0x11, 0), on_page_0);
     EXPECT_EQ(map.intersects(0xF0, 0x10, 0), nullptr);
     EXPECT_EQ(map.intersects(0x200, 0x10, 0), nullptr);
+}
+
+namespace {
+
+// The rules of a map as plain walks over all ranges.
+struct PLAIN_MAP {
+    std::vector<MEMORY_RANGE*> ranges;
+
+    std::string faults(const MEMORY_RANGE* range) const {
+        std::string text;
+        for (const MEMORY_RANGE* other : ranges)
+            if (other->page() == range->page() && std::string(other->name()) == range->name())
+                text += std::string("name ") + range->name() + '\n';
+        for (const MEMORY_RANGE* other : ranges)
+            if (other->page() == range->page() &&
+                (other->holds(range->origin()) || range->holds(other->origin())))
+                text += std::string("overlap ") + range->name() + ' ' + other->name() + '\n';
+        return text;
+    }
+    void add(MEMORY_RANGE* range) {
+        ranges.push_back(range);
+        std::stable_sort(ranges.begin(), ranges.end(), MEMORY_RANGE::less_order);
+    }
+    template <class TEST>
+    MEMORY_RANGE* first(const TEST& test) const {
+        auto at = std::find_if(ranges.begin(), ranges.end(), test);
+        return at != ranges.end() ? *at : nullptr;
+    }
+};
+
+/// What a map said, as PLAIN_MAP says it.
+std::string plain_faults(const std::string& text) {
+    static const std::string duplicate = " memory range has already been specified";
+    static const std::string overlap = " memory range overlaps existing memory range ";
+    std::string result;
+    std::string squeezed;
+    for (char c : text)
+        if (c != ' ' || squeezed.empty() || squeezed.back() != ' ') squeezed += c;
+    for (std::size_t at = squeezed.find("error: "); at != std::string::npos;) {
+        const std::size_t next = squeezed.find("error: ", at + 1);
+        std::string one = squeezed.substr(at + 7, next == std::string::npos ? next : next - at - 7);
+        while (!one.empty() && one.back() == ' ') one.pop_back();
+        if (std::size_t i = one.find(duplicate); i != std::string::npos)
+            result += "name " + one.substr(0, i) + '\n';
+        else if (i = one.find(overlap); i != std::string::npos)
+            result += "overlap " + one.substr(0, i) + ' ' + one.substr(i + overlap.size()) + '\n';
+        at = next;
+    }
+    return result;
+}
+
+} // namespace
+
+TEST(memory_map, checks_and_searches_are_those_of_a_walk_over_all_ranges) {
+    std::mt19937 random(11);
+    DIAGNOSTIC::max_errors_m = ~0U;
+    MEMORY_MAP map;
+    PLAIN_MAP plain;
+    static const char* const names[] = {"A", "B", "C", "D", "E", "F", "G", "H"};
+    unsigned faulty = 0;
+    for (unsigned step = 0; step < 700; ++step) {
+        // Mostly narrow ranges in a wide space, some over half of it, some empty or at the top.
+        uint64_t origin = (random() % 50000) * 0x10;
+        uint64_t length = random() % 0x18;
+        if (step % 50 == 49) length = 0x40000;
+        if (step % 90 == 89) origin = ~uint64_t{0} - random() % 0x20;
+        const int page = static_cast<int>(random() % 2);
+        auto* range = new MEMORY_RANGE(savestrf("%s%u", names[random() % 8], step / 3), origin,
+                                       length, MEMORY_RANGE::ATTR_ALL, page);
+        std::string expected = plain.faults(range);
+        const std::string text = plain_faults(reported([&] { map.add(range); }));
+        ASSERT_EQ(text, expected) << step;
+        faulty += !expected.empty();
+        plain.add(range);
+
+        const uint64_t address = (random() % 50000) * 0x10 + random() % 0x10;
+        const uint64_t size = random() % 0x200;
+        const char* name = plain.ranges[random() % plain.ranges.size()]->name();
+        ASSERT_EQ(map.lookup_by_addr(address, page), plain.first([&](const MEMORY_RANGE* r) {
+            return r->page() == page && r->holds(address);
+        }));
+        ASSERT_EQ(map.intersects(address, size, page), plain.first([&](const MEMORY_RANGE* r) {
+            return r->page() == page && address + size > r->origin() && r->end() > address;
+        }));
+        ASSERT_EQ(map.lookup_by_name(name, page), plain.first([&](const MEMORY_RANGE* r) {
+            return r->page() == page && std::string(r->name()) == name;
+        }));
+    }
+    EXPECT_GT(faulty, 100u);
+    EXPECT_TRUE(std::equal(map.begin(), map.end(), plain.ranges.begin(), plain.ranges.end()));
 }
 
 TEST(memory_map_table, holes_end_at_the_first_address_behind_them) {
