@@ -32,6 +32,9 @@ READONLY_VIOLATIONS& readonly_violations();
 // there is none.
 OFE::OF_SYMBOL* output_of_local(OFE::OBJECT_FILE* file, unsigned symbol_id);
 
+// The output symbol that stands for a symbol of an input; null when there is none.
+OFE::OF_SYMBOL* output_symbol_of(OFE::OF_SYMBOL* symbol);
+
 // The relocation engine asks the linker through these.
 void install_releng_hooks();
 

@@ -9,6 +9,7 @@
 #include "ELFLNK/symbol/symbol_table.h"
 #include "ELFLNK/target/abi.h"
 #include "ELFLNK/target/target.h"
+#include "ELFLNK/trampoline/trampoline.h"
 #include "OBJEDIT04/machine/reloc_type.h"
 #include "OBJEDIT04/ofe/object_file.h"
 #include "OBJEDIT04/ofe/of_reloc.h"
@@ -25,26 +26,32 @@ namespace {
 // The symbol of the output that a relocation's symbol ends in; null when it has none there.
 OF_SYMBOL* output_symbol(OF_RELOC* rel) {
     OF_SYMBOL* symbol = rel->symbol();
-    if (!symbol) return nullptr;
-    OF_SYMBOL* final = symbol->resolved_by_final();
-    if (final == symbol)
-        if (OF_SYMBOL* copied = output_of_local(symbol->ofile(), symbol->id())) final = copied;
-    return final->ofile() == output_OF_FILE() ? final : nullptr;
+    return symbol ? output_symbol_of(symbol) : nullptr;
 }
 
 std::unordered_map<OF_SECTION*, std::vector<OF_SECTION*>> dependencies;
 
 } // namespace
 
+OF_SYMBOL* output_symbol_of(OF_SYMBOL* symbol) {
+    OF_SYMBOL* final = symbol->resolved_by_final();
+    if (final == symbol)
+        if (OF_SYMBOL* copied = output_of_local(symbol->ofile(), symbol->id())) final = copied;
+    return final->ofile() == output_OF_FILE() ? final : nullptr;
+}
+
 void copy_reloc_entries(SECTION* section, OF_SECTION* output, uint32_t offset) {
     OF_SECTION* input = section->OF_SECTION_api();
     bool force_rela = global_opts->isopt(OPT_rom) && strncmp(output->name(), ".debug", 6) == 0;
     OF_RELENG engine(input);
     engine.set_output_section(output);
+    const std::vector<RELOC_REDIRECT> redirects = call_redirects(section);
     for (OF_RELOC* rel : input->all_relocs()) {
         OF_SYMBOL* symbol = nullptr;
+        const RELOC_REDIRECT* redirect =
+            find_redirect(redirects, *rel->type(), rel->scnrel_offset());
         if (rel->takes_symbol() && !rel->is_internal()) {
-            symbol = output_symbol(rel);
+            symbol = redirect ? redirect->symbol : output_symbol(rel);
             if (!symbol) continue;
         }
         bool rela = force_rela || rel->has_addend();
@@ -55,7 +62,8 @@ void copy_reloc_entries(SECTION* section, OF_SECTION* output, uint32_t offset) {
         else if (symbol)
             copy->set_symbol(symbol);
         copy->set_scnrel_offset(rel->scnrel_offset() + offset);
-        if (rela) copy->set_addend(static_cast<int>(engine.opnd_A(rel)));
+        if (rela)
+            copy->set_addend(redirect ? redirect->addend : static_cast<int>(engine.opnd_A(rel)));
     }
 }
 

@@ -8,6 +8,8 @@
 #include "ELFLNK/build/build_state.h"
 #include "ELFLNK/load/file_symbols.h"
 #include "ELFLNK/object/root_collection.h"
+#include "ELFLNK/object/section.h"
+#include "ELFLNK/trampoline/trampoline.h"
 #include "OBJEDIT04/ofe/object_file.h"
 #include "OBJEDIT04/ofe/of_section.h"
 #include "OBJEDIT04/ofe/of_symbol.h"
@@ -24,6 +26,10 @@ class LINKER_HOOKS final : public RELENG_HOOKS {
     OF_SYMBOL* stand_in(OF_SYMBOL_TABLE* table, unsigned id) override {
         if (id < table->first_global()) return output_of_local(table->ofile(), id);
         return resolve_symbol(table->ofile(), id);
+    }
+    std::vector<RELOC_REDIRECT> redirects(OF_SECTION* section) override {
+        SECTION* object = root_collection->lookup_OF_SECTION(section);
+        return object ? call_redirects(object) : std::vector<RELOC_REDIRECT>();
     }
     bool is_gone(OF_SYMBOL* symbol) override {
         return !symbol->final() && symbol->ofile() != output_OF_FILE() &&

@@ -129,14 +129,20 @@ int ARM_RELENG_MACHOPS::reltype_call_bias(const OF_RELOC_TEMPLATE& rel) {
 // --- BL and BLX
 
 bool ARM_RELENG_MACHOPS::rel_blx_conversion_possible(OF_RELENG& engine, const RELOC_SITE& site) {
-    if (isa_version(engine) < ISA_V5T) return false;
-    switch (site.rel->id) {
+    return blx_conversion_possible(isa_version(engine), *site.rel, engine.place(site),
+                                   engine.big_endian());
+}
+
+bool ARM_RELENG_MACHOPS::blx_conversion_possible(unsigned version, const OF_RELOC_TEMPLATE& rel,
+                                                 const uint8_t* instruction, bool big) {
+    if (version < ISA_V5T) return false;
+    switch (rel.id) {
     case OFR_ARM_THM_CALL:
     case OFR_ARM_CALL:
         return true;
     case OFR_ARM_PC24:
     case OFR_ARM_PLT32: {
-        uint32_t word = get_arm(engine.place(site), engine.big_endian());
+        uint32_t word = get_arm(instruction, big);
         return bits(word, 31, 24) == OPCODE_BL_AL || is_blx(word);
     }
     default:

@@ -29,6 +29,9 @@ class ARM_RELENG_MACHOPS final : public OF_RELENG_MACHOPS {
     // Bytes from a branch's place to the address that its field counts from.
     static int reltype_call_bias(const OF_RELOC_TEMPLATE& rel);
 
+    // Whether a branch instruction, built for an instruction set version, may turn BL into BLX.
+    static bool blx_conversion_possible(unsigned isa_version, const OF_RELOC_TEMPLATE& rel,
+                                        const uint8_t* instruction, bool big);
     // Whether a call may change the mode by turning BL into BLX, and whether it must.
     bool rel_blx_conversion_possible(OF_RELENG& engine, const RELOC_SITE& site);
 

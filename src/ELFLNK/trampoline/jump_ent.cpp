@@ -1,0 +1,131 @@
+// The life of generated entries: made, hung into the tree, found to have callers or not, settled.
+#include "ELFLNK/trampoline/jump_ent.h"
+
+#include <algorithm>
+
+#include "DIAG/gen_msgs.h"
+#include "ELFLNK/locator/locator.h"
+#include "ELFLNK/memmap/memory_range.h"
+#include "ELFLNK/object/collection.h"
+#include "ELFLNK/target/target.h"
+#include "ELFLNK/trampoline/call_site.h"
+#include "ELFLNK/trampoline/callee.h"
+#include "OBJEDIT04/machine/reloc_template.h"
+
+JUMP_ENT::JUMP_ENT(CALLEE* callee, OBJ_FILE* file, const char* name)
+    : SECTION(name), callee_(callee) {
+    set_object_file(file);
+}
+
+const char* JUMP_ENT::jump_type_name() const {
+    switch (jump_type_kind()) {
+    case FARCALL:
+        return "trampoline";
+    case VENEER:
+        return "veneer";
+    case PLT:
+        return "PLT";
+    default:
+        return "";
+    }
+}
+
+void JUMP_ENT::generate() {
+    if (generated_) return;
+    generated_ = true;
+    set_attr(PA_HAS_DATA | PA_ALLOCATED | PA_EXEC);
+    choose_code();
+}
+
+// ---- trampolines ---------------------------------------------------------------------------
+
+namespace {
+
+std::vector<TRAMPOLINE*>& registry() {
+    static std::vector<TRAMPOLINE*> made;
+    return made;
+}
+
+} // namespace
+
+TRAMPOLINE::TRAMPOLINE(TRAMP_CALLEE* callee, OBJ_FILE* file, const char* name)
+    : JUMP_ENT(callee, file, name) {
+    registry().push_back(this);
+}
+
+bool TRAMPOLINE::any() {
+    return !registry().empty();
+}
+
+std::vector<TRAMPOLINE*> TRAMPOLINE::all() {
+    std::vector<TRAMPOLINE*> live;
+    std::copy_if(registry().begin(), registry().end(), std::back_inserter(live),
+                 [](const TRAMPOLINE* t) { return t->is_placed(); });
+    return live;
+}
+
+TRAMP_CALLEE* TRAMPOLINE::tramp_callee() const {
+    return static_cast<TRAMP_CALLEE*>(callee());
+}
+
+void TRAMPOLINE::add_caller(TRAMP_CALL_SITE* site) {
+    site->prev_ = last_;
+    site->next_ = nullptr;
+    (last_ != nullptr ? last_->next_ : first_) = site;
+    last_ = site;
+}
+
+void TRAMPOLINE::remove_caller(TRAMP_CALL_SITE* site) {
+    (site->prev_ != nullptr ? site->prev_->next_ : first_) = site->next_;
+    (site->next_ != nullptr ? site->next_->prev_ : last_) = site->prev_;
+    site->prev_ = site->next_ = nullptr;
+    if (first_ != nullptr) return;
+    LOCATOR* run = run_locator();
+    // Part of a finished layout: nobody will close the gap that it would leave.
+    if (run->has_flag(LF_PRE_PLACED) ||
+        (run->is_placed() && run->range() != nullptr && run->range()->is_root()))
+        return;
+    if (run->is_placed()) run->uncommit();
+    tramp_callee()->discard_trampoline(this);
+}
+
+void TRAMPOLINE::give_up() {
+    run_locator()->clear_flag(LF_PRE_PLACED | LF_PLACED | LF_COMPLETE);
+    run_locator()->set_range(nullptr);
+    if (first_ == nullptr) tramp_callee()->discard_trampoline(this);
+    while (first_ != nullptr) first_->detach_trampoline();
+}
+
+void TRAMPOLINE::prepare(COLLECTION* parent) {
+    adopt_by(parent);
+    home_ = outsect_object();
+    set_attrs(PA_HAS_DATA | PA_ALLOCATED | PA_EXEC);
+    add_locator(nullptr);
+    auto* run = new LOCATOR(LOCATOR_KIND::RUN, this);
+    run->add_min_align(alignment());
+    add_locator(run);
+}
+
+void TRAMPOLINE::update_placement_limits() {
+    uint64_t low = 0;
+    uint64_t high = LOCATOR::no_limit;
+    const uint64_t own_size = size();
+    for (const TRAMP_CALL_SITE* site = first_; site != nullptr; site = site->next_caller()) {
+        uint64_t lo = 0;
+        uint64_t hi = 0;
+        site->get_reachable_range(lo, hi);
+        low = std::max(low, lo);
+        high = std::min(high, own_size > ~hi ? LOCATOR::no_limit : hi + own_size);
+    }
+    run_locator()->set_min_address(low);
+    run_locator()->set_max_address(high);
+}
+
+bool TRAMPOLINE::tramp_in_range(uint32_t template_id) const {
+    const TRAMP_CALLEE* to = tramp_callee();
+    if (!to->is_placed()) return false;
+    uint64_t lo = 0;
+    uint64_t hi = 0;
+    Target->get_reachable_range(run_address(), *OFE::reloc_template(template_id), lo, hi);
+    return to->address() >= lo && to->address() <= hi;
+}
