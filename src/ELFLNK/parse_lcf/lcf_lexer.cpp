@@ -168,6 +168,8 @@ void LCF_LEXER::lex_analyze(LCF_TOKEN& tok) {
     tok.file = file_;
     tok.line = line_;
     tok.column = static_cast<unsigned>(pos_) + 1;
+    tok.begin = pos_;
+    source_->find_place(pos_, tok.line, tok.column);
     tok.value = 0;
     tok.radix = tok.digits = 0;
     tok.text.clear();
@@ -296,7 +298,7 @@ void LCF_LEXER::lex_int(LCF_TOKEN& tok) {
         }
     }
     pos_ = end + consumed;
-    tok.text = buffer_.substr(tok.column - 1, pos_ - (tok.column - 1));
+    tok.text = buffer_.substr(tok.begin, pos_ - tok.begin);
 }
 
 size_t LCF_LEXER::word_end(size_t begin) const {
@@ -317,7 +319,7 @@ size_t LCF_LEXER::word_end(size_t begin) const {
 void LCF_LEXER::lex_option() {
     LCF_TOKEN& tok = ring_[current_];
     peeked_ = false;
-    size_t begin = std::min<size_t>(tok.column, buffer_.size()); // behind the dash
+    size_t begin = std::min(tok.begin + 1, buffer_.size()); // behind the dash
     pos_ = word_end(begin);
     tok.code = TOK_OPTION;
     tok.text = copy_text(begin, pos_);

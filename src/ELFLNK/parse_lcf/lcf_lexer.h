@@ -42,6 +42,7 @@ struct LCF_TOKEN {
     const char* file = "";
     unsigned line = 0;
     unsigned column = 0;
+    size_t begin = 0;   // offset in the line in hand
     std::string text;   // as written, for names and options without quotes
     uint64_t value = 0; // of an integer
     unsigned radix = 0;

@@ -7,6 +7,7 @@
 #include "ELFLNK/file/command_file.h"
 #include "ELFLNK/file/file_manager.h"
 #include "ELFLNK/object/root_collection.h"
+#include "ELFLNK/parse_lcf/lcf_cpp_source.h"
 #include "ELFLNK/parse_lcf/lcf_errors.h"
 #include "OPTIONGEN/option_obj.h"
 #include "UTIL/savestr.h"
@@ -36,7 +37,13 @@ uint32_t LCF_PARSER::next_seq_id_m = 1;
 bool LCF_PARSER::sections_seen_m = false;
 
 LCF_PARSER* new_LCF_PARSER(COMMAND_FILE* file) {
-    return new LCF_PARSER(std::make_unique<LCF_FILE_SOURCE>(file), file->name());
+    if (global_opts->isopt(OPT_disable_pp))
+        return new LCF_PARSER(std::make_unique<LCF_FILE_SOURCE>(file), file->name());
+    auto source = std::make_unique<LCF_CPP_SOURCE>(file->name(), file->text());
+    LCF_CPP_SOURCE* cpp = source.get();
+    auto* parser = new LCF_PARSER(std::move(source), file->name());
+    cpp->set_parser(parser);
+    return parser;
 }
 
 LCF_PARSER::LCF_PARSER(std::unique_ptr<LCF_SOURCE> source, const char* file)

@@ -3,6 +3,7 @@
 // where its next line comes from.
 #pragma once
 
+#include <cstddef>
 #include <string_view>
 
 class LCF_SOURCE {
@@ -13,6 +14,9 @@ class LCF_SOURCE {
     virtual std::string_view next_line() = 0;
     /// A preprocessor reports open quotes itself.
     virtual bool is_preprocessed() const { return false; }
+    /// Where the character at this offset of the line that came last stands in its file, if the
+    /// line isn't what the file holds; else nothing changes.
+    virtual void find_place(size_t, unsigned&, unsigned&) const {}
     virtual void define_ppsym(const char*, const char*) {}
     virtual void undefine_ppsym(const char*) {}
 };
