@@ -1,8 +1,8 @@
 // The walk over a section's relocations, the operands, the checks and the generic field.
 #include "OF_RELENG/releng.h"
 
+#include <algorithm>
 #include <cstring>
-#include <vector>
 
 #include "DIAG/releng_msgs.h"
 #include "OBJEDIT04/machine/machine_db.h"
@@ -114,6 +114,7 @@ bool OF_RELENG::fits(const RELOC_SITE& site) const {
 void OF_RELENG::relocate(uint32_t run_addr) {
     has_error_ = false;
     run_addr_ = run_addr;
+    if (hooks_m) redirects_ = hooks_m->redirects(section_);
     OF_SECTION_TABLE* table = section_->section_table();
     unsigned raw_tables =
         section_->ofile()->is_input() ? table->raw_reloc_table_num(section_->id()) : 0;
@@ -132,7 +133,7 @@ void OF_RELENG::relocate_raw(const OF_RAW_RELOCS& relocs) {
     OF_SYMBOL_TABLE* symbols = relocs.symbols();
     const OF_RELOC_TYPE* types[256] = {};
     RELOC_SITE site;
-    site.rela = relocs.rela();
+    RELOC_SYMBOL elsewhere;
     for (unsigned i = 0; i < count; ++i) {
         OF_RAW_RELOC raw = relocs[i];
         const OF_RELOC_TYPE*& type = types[raw.type & 0xFF];
@@ -143,8 +144,24 @@ void OF_RELENG::relocate_raw(const OF_RAW_RELOCS& relocs) {
         site.addend = raw.addend;
         site.symbol =
             type->has_symbol() ? symbols_in_use.of(symbols, raw.sym_id, hooks_m) : nullptr;
+        site.rela = relocs.rela();
+        if (const RELOC_REDIRECT* to = find_redirect(redirects_, *type, site.offset)) {
+            elsewhere = describe(to->symbol, hooks_m);
+            site.symbol = &elsewhere;
+            site.rela = true;
+            site.addend = to->addend;
+        }
         process_reloc(site);
     }
+}
+
+const RELOC_REDIRECT* find_redirect(const std::vector<RELOC_REDIRECT>& redirects,
+                                    const OF_RELOC_TYPE& type, uint32_t offset) {
+    if (redirects.empty() || !type.rel_template || !type.rel_template->is(OFRT_CALL))
+        return nullptr;
+    auto at = std::lower_bound(redirects.begin(), redirects.end(), offset,
+                               [](const RELOC_REDIRECT& r, uint32_t o) { return r.offset < o; });
+    return at != redirects.end() && at->offset == offset ? &*at : nullptr;
 }
 
 RELOC_SITE OF_RELENG::site(OF_RELOC* rel) {
@@ -155,6 +172,11 @@ RELOC_SITE OF_RELENG::site(OF_RELOC* rel) {
     site.offset = rel->scnrel_offset() * unit_bytes_;
     site.rela = rel->has_addend();
     site.addend = rel->addend();
+    if (site.rel && site.rel->is(OFRT_FIELD_OP)) {
+        site.field_size = rel->field_size();
+        site.field_offset = rel->field_offset();
+        site.container_size = rel->container_size();
+    }
     if (OF_SYMBOL* symbol = site.type->has_symbol() ? rel->symbol() : nullptr)
         site.symbol = symbols_in_use.of(symbol->symbol_table(), symbol->id(), hooks_m);
     return site;
@@ -174,11 +196,21 @@ void OF_RELENG::process_reloc(const RELOC_SITE& site) {
         return;
     }
     long value;
-    if (!calculate_relocated_value(site, value)) return unsupported(site);
-    rel_encode_and_pack(value, site);
+    if (calculate_relocated_value(site, value))
+        rel_encode_and_pack(value, site);
+    else if (site.rel->is(OFRT_EXPRESSION))
+        expression(site);
+    else
+        unsupported(site);
 }
 
 void OF_RELENG::unsupported(const RELOC_SITE& site) {
+    if (site.type->template_id == OFR_RESERVED && !site.rel) {
+        std::string file = std::string("\"") + section_->ofile()->display_name() + "\" ";
+        report_diag(site, DIAG::releng_bad_use_of_Reserved_reloc(__FILE__, __LINE__,
+                                                                 site.type->name, file));
+        return;
+    }
     if (site.type->template_id == OFR_OBSOLETE && !site.rel)
         report_diag(site, DIAG::releng_rtype_obsolete(__FILE__, __LINE__, relinfo(site)));
     else
@@ -188,7 +220,8 @@ void OF_RELENG::unsupported(const RELOC_SITE& site) {
 long OF_RELENG::calculate_relocated_value(OF_RELOC* rel) {
     RELOC_SITE s = site(rel);
     long value = 0;
-    if (s.rel && fits(s) && !calculate_relocated_value(s, value)) unsupported(s);
+    if (!s.rel || !fits(s) || calculate_relocated_value(s, value)) return value;
+    s.rel->is(OFRT_EXPRESSION) ? process_reloc_expr(s, value) : unsupported(s);
     return value;
 }
 

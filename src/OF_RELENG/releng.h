@@ -12,6 +12,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "OBJEDIT04/machine/reloc_type.h"
 #include "OBJEDIT04/ofe/raw_records.h"
@@ -51,7 +52,13 @@ struct RELOC_SITE {
     int32_t addend = 0;                     // of a RELA entry
     bool rela = false;
     const RELOC_SYMBOL* symbol = nullptr; // null: none
+    // Relocation expressions: the constant that an operation pushes stands in the addend, and the
+    // field that it loads or stores here, in bits.
+    uint32_t field_size = 0, field_offset = 0, container_size = 0;
 };
+
+// Values of relocation expressions.
+__extension__ using XI_INT = __int128;
 
 // Where a place is in the user's source.
 struct RELOC_SOURCE {
@@ -61,6 +68,16 @@ struct RELOC_SOURCE {
     std::string function;
     enum FUNCTION_KIND { FUNCTION, ASSEMBLY_FUNCTION, ASSEMBLY_RANGE } function_kind = FUNCTION;
 };
+
+// A call that leads to another symbol than its relocation names: to a stub that the linker made.
+struct RELOC_REDIRECT {
+    uint32_t offset = 0; // of the relocation in its section
+    OF_SYMBOL* symbol = nullptr;
+    int32_t addend = 0; // instead of the relocation's own
+};
+// The entry for a call at this offset, in a list by ascending offset; null: it goes where it says.
+const RELOC_REDIRECT* find_redirect(const std::vector<RELOC_REDIRECT>& redirects,
+                                    const OF_RELOC_TYPE& type, uint32_t offset);
 
 // What the linker above knows and the engine asks for.
 class RELENG_HOOKS {
@@ -72,6 +89,8 @@ class RELENG_HOOKS {
     // What stands for a symbol of an input file that has no object of its own; null: make the
     // object.
     virtual OF_SYMBOL* stand_in(OF_SYMBOL_TABLE*, unsigned /*id*/) { return nullptr; }
+    // The calls of a section that lead elsewhere, by ascending offset.
+    virtual std::vector<RELOC_REDIRECT> redirects(OF_SECTION*) { return {}; }
     // The symbol's section does not take part in the link.
     virtual bool is_gone(OF_SYMBOL*) { return false; }
 };
@@ -108,6 +127,8 @@ class OF_RELENG {
     void rel_encode_and_pack(long value, const RELOC_SITE& site);
     void rel_pack(long value, const RELOC_SITE& site);
     long rel_unpack(const RELOC_SITE& site);
+    // One operation of a relocation expression, on the engine's stack; only a store yields a value.
+    void process_reloc_expr(const RELOC_SITE& site, long& value);
     bool check_for_overflow(const RELOC_SITE& site, long value, unsigned width);
     void overflow_error(const RELOC_SITE& site, long value, unsigned width);
     void check_for_scale_truncation(const RELOC_SITE& site, long value);
@@ -156,11 +177,14 @@ class OF_RELENG {
     bool fits(const RELOC_SITE& site) const;
     void relocate_raw(const OF_RAW_RELOCS& relocs);
     void unsupported(const RELOC_SITE& site);
+    void expression(const RELOC_SITE& site);
+    bool pop(const RELOC_SITE& site, unsigned count, XI_INT* values);
     bool source(const RELOC_SITE& site, RELOC_SOURCE& out) const;
 
     OF_SECTION* section_;
     OF_SECTION* output_;
     OF_RELENG_MACHOPS* machops_;
+    std::vector<XI_INT> stack_; // of relocation expressions; they run over several relocations
     uint8_t* bytes_ = nullptr;
     size_t size_ = 0; // bytes of data
     uint32_t run_addr_ = 0;
@@ -169,6 +193,7 @@ class OF_RELENG {
     bool debug_ = false; // the section's name starts with ".debug"
     bool has_error_ = false;
     bool check_final_values_ = false;
+    std::vector<RELOC_REDIRECT> redirects_;
 
     static RELENG_HOOKS* hooks_m;
 };

@@ -49,8 +49,7 @@ void copy_symbol_fields(OF_SYMBOL* from, OF_SYMBOL* to) {
     to->set_size(from->size());
     to->set_type(from->type());
     to->set_visibility(from->visibility());
-    bool known = from->binding() != OF_SYM_BINDING_NONE; // a file may hold any number
-    to->set_binding(known ? from->binding() : OF_SYM_BINDING_LOCAL);
+    to->set_binding(from->binding());
 }
 
 OF_SYMBOL* create_ref_symbol(OF_SYMBOL* symbol, OBJECT_FILE* file) {

@@ -47,6 +47,17 @@ void set_alignment(OFE::OF_SECTION* section, LINKER_OBJECT* object) {
     section->set_align(narrow<unsigned>(align));
 }
 
+// Thread-local sections give their attribute to no collection. In a file for a further link the
+// next linker has to know.
+bool is_tls(LINKER_OBJECT* object) {
+    if (object->has_attr(PA_TLS) || !is_partial_link()) return object->has_attr(PA_TLS);
+    while (COLLECTION* collection = as_collection(object)) {
+        if (collection->members().empty()) return false;
+        object = collection->members().front();
+    }
+    return object->has_attr(PA_TLS);
+}
+
 void set_type_and_flags(OFE::ELF_SECTION* section, LINKER_OBJECT* object) {
     if (!(section->sh_type() == OFE::SHT_ARM_EXIDX && is_partial_link()))
         section->set_sh_type(object->has_attr(PA_HAS_DATA) ? OFE::SHT_PROGBITS : OFE::SHT_NOBITS);
@@ -56,7 +67,7 @@ void set_type_and_flags(OFE::ELF_SECTION* section, LINKER_OBJECT* object) {
         if (object->has_attr(PA_WRITE)) flags |= OFE::SHF_WRITE;
     }
     if (object->has_attr(PA_EXEC)) flags |= OFE::SHF_EXECINSTR;
-    if (object->has_attr(PA_TLS)) flags |= OFE::SHF_TLS;
+    if (is_tls(object)) flags |= OFE::SHF_TLS;
     section->set_sh_flags(flags);
 }
 

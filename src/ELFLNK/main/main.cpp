@@ -3,6 +3,7 @@
 
 #include "DIAG/diagnostic.h"
 #include "ELFLNK/command/command.h"
+#include "OBJEDIT04/ofe/object_file.h"
 #include "OPTIONGEN/option_obj.h"
 #include "OPTIONGEN/register_option.h"
 #include "UTIL/file_handle_manager.h"
@@ -26,6 +27,7 @@ void make_options() {
     if (arg_values[0] != nullptr) option_obj::executable_name = arg_values[0];
     option_obj::next_arg = get_option_arg;
     option_obj::banner = print_banner;
+    OFE::OBJECT_FILE::tool_name_m = tool_name();
 }
 
 /// All phases. Errors are counted and the link goes on, so that one run reports as much as it can;

@@ -15,6 +15,7 @@
 #include "OBJEDIT04/ofe/of_state_machine.h"
 
 class DATA_MAP;
+class FHM_FILE;
 
 namespace OFE {
 
@@ -56,6 +57,7 @@ class OFBA_ATTR_LIST {
     /// Reads a list's contents, from behind its size to the end of the map.
     int load(DATA_MAP& map);
     void save(DATA_MAP& map);
+    void save_text(FHM_FILE* to);
 
     /// The attribute of a tag, the `start`th of those that have it; null when there is none.
     OFBA_ATTR* attr_tag(unsigned tag, unsigned start = 0);
@@ -104,6 +106,7 @@ class OFBA_VENDOR_SCN {
     /// Reads the lists, up to the end of the map.
     int load(DATA_MAP& map);
     void save(DATA_MAP& map);
+    void save_text(FHM_FILE* to);
 
     unsigned attrlist_num() const { return static_cast<unsigned>(lists_.size()); }
     OFBA_ATTR_LIST* attrlist(unsigned i) const {
@@ -143,6 +146,7 @@ class OF_BUILD_ATTR_TABLE final : public OF_STATE_MACHINE {
     int load();
     /// Writes the section anew.
     int save();
+    void save_text(FHM_FILE* to);
     unsigned char format_version() const { return format_; }
 
     unsigned vscn_num() const { return static_cast<unsigned>(vendors_.size()); }

@@ -48,6 +48,10 @@ void swap_Elf32_Rela(Elf32_Rela& r) {
     toggle_all(r.r_offset, r.r_info, r.r_addend);
 }
 
+void swap_Elf32_PHattr(Elf32_PHattr& r) {
+    toggle_all(r.pha_seg, r.pha_tag, r.pha_val);
+}
+
 #define OFE_ELF32_RECORD(T)                                                                        \
     void store_##T(uint8_t* p, const T& r, bool swap) {                                            \
         T copy = r;                                                                                \
@@ -70,6 +74,7 @@ OFE_ELF32_RECORD(Elf32_Shdr)
 OFE_ELF32_RECORD(Elf32_Sym)
 OFE_ELF32_RECORD(Elf32_Rel)
 OFE_ELF32_RECORD(Elf32_Rela)
+OFE_ELF32_RECORD(Elf32_PHattr)
 #undef OFE_ELF32_RECORD
 
 } // namespace OFE

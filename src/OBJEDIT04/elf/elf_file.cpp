@@ -10,6 +10,7 @@
 #include "OBJEDIT04/elf/elf_section_table.h"
 #include "OBJEDIT04/elf/elf_symalias_table.h"
 #include "OBJEDIT04/elf/elf_symbol_table.h"
+#include "OBJEDIT04/elf/segments/elf_seg_attr.h"
 #include "OBJEDIT04/elf/segments/elf_segment_table.h"
 #include "OBJEDIT04/machine/machine_db.h"
 
@@ -62,6 +63,9 @@ int ELF_FILE::clear() {
     symtab_index_ = build_attr_index_ = build_attr_searched_ = 0;
     symtab_searched_ = symalias_searched_ = elf_header_in_segment_ = false;
     symalias_ = nullptr;
+    seg_attr_db_.reset();
+    seg_attr_searched_ = 0;
+    scnrel_computed_ = false;
     for (int kind = 0; kind < QV_SH_ATTR_KINDS; ++kind) {
         attr_sections_[kind] = nullptr;
         attr_searched_[kind] = false;
@@ -154,6 +158,13 @@ int ELF_FILE::set_flags(unsigned flags) {
 
 unsigned ELF_FILE::unit_bytes() const {
     return machine_db()->unit_size() / 8;
+}
+
+bool ELF_FILE::is_icode_present() {
+    if (icode_flag() == ICODE_UNKNOWN)
+        set_icode_flag(sections_->lookup_section_by_name(ELF_ICODE_SECTION_NAME) ? ICODE_PRESENT
+                                                                                 : ICODE_ABSENT);
+    return icode_flag() == ICODE_PRESENT;
 }
 
 bool ELF_FILE::has_dynamic_linkage() {
@@ -288,6 +299,41 @@ ELF_SYMALIAS_TABLE* ELF_FILE::symalias_table(bool create) {
     return symalias_;
 }
 
+// Looked for again when there are more segments than at the last search.
+bool ELF_FILE::has_seg_attr_db() {
+    if (seg_attr_db_) return true;
+    if (seg_attr_searched_ == segments_->segnum()) return false;
+    seg_attr_searched_ = segments_->segnum();
+    for (unsigned short i = 0; i < segments_->segnum(); ++i)
+        if (segments_->segment_header(i)->p_type == machine_db()->seg_attr_p_type() &&
+            !segments_->is_deleted(i)) {
+            seg_attr_db_ = std::make_unique<ELF_SEG_ATTR_DB>(this);
+            return true;
+        }
+    return false;
+}
+
+ELF_SEG_ATTR_DB* ELF_FILE::seg_attr_db() {
+    return has_seg_attr_db() ? seg_attr_db_.get() : nullptr;
+}
+
+// Files of this vendor's older tools count the values of symbols from 0 instead of from the start
+// of their section: a section symbol that is not at 0 gives them away. What is built in memory
+// counts from the section.
+bool ELF_FILE::compute_scnrel() {
+    if (!is_input()) return true;
+    scnrel_computed_ = true;
+    scnrel_ = true;
+    const char* maker = vendor();
+    OF_SYMBOL_TABLE* symbols =
+        maker && std::strcmp(maker, OFBA_VENDOR_QV) == 0 ? elf_symbol_table() : nullptr;
+    OF_RAW_SYMBOL s;
+    for (unsigned i = 1; symbols && scnrel_ && i < symbols->symnum(); ++i)
+        if (symbols->raw_symbol(i, s) && s.type == OF_SYM_TYPE_SECTION)
+            scnrel_ = s.section_id == OF_RAW_SYMBOL::NO_SECTION || s.value == 0;
+    return scnrel_;
+}
+
 void ELF_FILE::translate_cached_indices(const RECORD_MAP<unsigned>& map) {
     for (unsigned* index : {&symtab_index_, &build_attr_index_}) {
         unsigned to = *index < map.size() ? map[*index] : OF_DELETED;
@@ -299,12 +345,12 @@ void ELF_FILE::forget_companions(ELF_SECTION* section) {
     for (ELF_SECTION*& s : attr_sections_)
         if (s == section) s = nullptr;
     if (symalias_ && section->companion() == symalias_) symalias_ = nullptr;
+    if (seg_attr_db_) seg_attr_db_->forget(section);
 }
 
-unsigned ELF_FILE::align_file_offset(unsigned offset, unsigned addr, unsigned align) {
+uint64_t ELF_FILE::aligned_offset(uint64_t offset, unsigned addr, unsigned align) {
     if (align == 0) align = 1;
-    unsigned ahead = (addr % align + align - offset % align) % align;
-    return offset + ahead;
+    return offset + (uint64_t{addr % align} + align - offset % align) % align;
 }
 
 const char* ELF_FILE::ei_class_name(unsigned v) {

@@ -10,6 +10,7 @@
 namespace OFE {
 
 class ELF_SCN_ATTR_TABLE;
+class ELF_SEG_ATTR_DB;
 class ELF_SECTION;
 class ELF_SECTION_TABLE;
 class ELF_SEGMENT_TABLE;
@@ -40,7 +41,9 @@ class ELF_FILE final : public OBJECT_FILE {
     unsigned flags() const override { return ehdr_.e_flags; }
     int set_flags(unsigned flags) override;
     int clear() override;
-    bool values_are_scnrel() override { return ehdr_.e_type == ET_REL; }
+    bool values_are_scnrel() override {
+        return ehdr_.e_type == ET_REL && (scnrel_computed_ ? scnrel_ : compute_scnrel());
+    }
     bool represents_groups_with_sections() const override { return true; }
     bool has_dynamic_linkage() override;
     bool build_attributes_supported() const override;
@@ -71,7 +74,9 @@ class ELF_FILE final : public OBJECT_FILE {
     ELF_SCN_ATTR_TABLE* qv_sh_attr_api(int kind, bool create);
     ELF_SECTION* qv_sh_attr_section(int kind, bool create);
     ELF_SYMALIAS_TABLE* symalias_table(bool create);
-    bool has_seg_attr_db() const { return false; }
+    // Attributes of segments: in a file with a segment of the machine's type for them.
+    bool has_seg_attr_db();
+    ELF_SEG_ATTR_DB* seg_attr_db(); // null: it has none
 
     bool generate_section_headers() const {
         return ehdr_.e_type == ET_REL || generate_section_headers_;
@@ -81,8 +86,17 @@ class ELF_FILE final : public OBJECT_FILE {
     bool elf_header_in_segment() const { return elf_header_in_segment_; }
 
     // The smallest number at or above offset that is congruent to addr modulo align.
-    static unsigned align_file_offset(unsigned offset, unsigned addr, unsigned align);
+    static unsigned align_file_offset(unsigned offset, unsigned addr, unsigned align) {
+        return static_cast<unsigned>(aligned_offset(offset, addr, align));
+    }
+    // The same while a file is laid out, which may turn out to be too large.
+    static uint64_t aligned_offset(uint64_t offset, unsigned addr, unsigned align);
 
+    bool is_icode_present() override;
+    void generate_file_info(TEXT_TABLE& table) override;
+
+    const char* ei_osabi_name(unsigned v);
+    const char* e_flag_name(unsigned flag);
     static const char* ei_class_name(unsigned v);
     static const char* ei_data_name(unsigned v);
     static const char* e_type_name(unsigned v);
@@ -97,8 +111,10 @@ class ELF_FILE final : public OBJECT_FILE {
     int format_elf_file();
     int save_elf_file();
     int reopen_elf_file();
+    void save_text_extra(FHM_FILE* to) override;
     void reset_header();
     ELF_SECTION* find_attr_section(int kind);
+    bool compute_scnrel();
 
     Elf32_Ehdr ehdr_{};
     std::unique_ptr<ELF_SEGMENT_TABLE> segments_;
@@ -113,6 +129,10 @@ class ELF_FILE final : public OBJECT_FILE {
     bool attr_searched_[QV_SH_ATTR_KINDS] = {};
     ELF_SYMALIAS_TABLE* symalias_ = nullptr;
     bool symalias_searched_ = false;
+    std::unique_ptr<ELF_SEG_ATTR_DB> seg_attr_db_;
+    unsigned seg_attr_searched_ = 0; // the segments that there were at the last search
+    bool scnrel_ = true;             // the answer of values_are_scnrel() for a relocatable file
+    bool scnrel_computed_ = false;
 };
 
 // The ELF view of a generic object; null, with an error on its file, when the file is not ELF.

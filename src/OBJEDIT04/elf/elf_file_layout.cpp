@@ -7,6 +7,7 @@
 #include "OBJEDIT04/elf/elf_section_table.h"
 #include "OBJEDIT04/elf/elf_string_table.h"
 #include "OBJEDIT04/elf/elf_symbol_table.h"
+#include "OBJEDIT04/elf/segments/elf_seg_attr.h"
 #include "OBJEDIT04/elf/segments/elf_segment_table.h"
 
 namespace OFE {
@@ -32,6 +33,13 @@ int ELF_FILE::revert_to_state(OF_STATE target) {
 int ELF_FILE::lock_elf_file() {
     if (max_state(OF_STATE_OPEN) != 0) return -1;
     if (load_and_clear_string_table() != 0) return -1;
+    if (has_seg_attr_db()) {
+        ELF_SEG_ATTR_TABLE* attributes = seg_attr_db()->table();
+        if (!attributes || attributes->is_empty()) {
+            if (seg_attr_db()->drop() != 0) return -1;
+            seg_attr_db_.reset();
+        }
+    }
     if (sections_->lock_section_table_entries() != 0) return -1;
     if (segments_->set_state(OF_STATE_LOCKED) != 0 || sections_->set_state(OF_STATE_LOCKED) != 0)
         return -1;
@@ -70,15 +78,20 @@ int ELF_FILE::load_and_clear_string_table() {
 
 int ELF_FILE::format_elf_file() {
     if (max_state(OF_STATE_LOCKED) != 0) return -1;
-    unsigned offset = elf_header_in_segment_ ? 0 : ehdr_.e_ehsize;
+    uint64_t offset = elf_header_in_segment_ ? 0 : ehdr_.e_ehsize;
     offset = segments_->format_segments(offset);
     offset = sections_->format_sections(offset);
     if (segments_->segnum() && !segments_->phdr_in_load_segment()) {
-        offset = align_file_offset(offset, 0, 4);
-        segments_->set_file_offset(offset);
+        offset = aligned_offset(offset, 0, 4);
+        segments_->set_file_offset(static_cast<unsigned>(offset));
         offset += segments_->table_size();
     }
     if (generate_section_headers()) offset = sections_->format_section_headers(offset);
+    if (offset > UINT32_MAX) {
+        set_error(OF_ERROR_ACCESS, "the file would be larger than 4 GiB (0x%llx bytes)",
+                  static_cast<unsigned long long>(offset));
+        return -1;
+    }
     if (segments_->set_state(OF_STATE_FORMATTED) != 0 ||
         sections_->set_state(OF_STATE_FORMATTED) != 0)
         return -1;
@@ -86,7 +99,7 @@ int ELF_FILE::format_elf_file() {
     ehdr_.e_shoff =
         sections_->scnnum() && generate_section_headers() ? sections_->file_offset() : 0;
     if (!generate_section_headers()) ehdr_.e_shnum = ehdr_.e_shstrndx = 0;
-    set_final_size(offset);
+    set_final_size(static_cast<unsigned>(offset));
     return 0;
 }
 

@@ -13,6 +13,7 @@
 #include "OBJEDIT04/elf/elf_symalias_table.h"
 #include "OBJEDIT04/elf/elf_symbol.h"
 #include "OBJEDIT04/elf/elf_symbol_table.h"
+#include "OBJEDIT04/elf/segments/elf_seg_attr.h"
 #include "OBJEDIT04/elf/segments/elf_segment.h"
 #include "OBJEDIT04/elf/segments/elf_segment_table.h"
 #include "OBJEDIT04/machine/machine_db.h"
@@ -317,8 +318,8 @@ ELF_GROUP_TABLE* ELF_SECTION::group_table_api() {
     make_companion();
     return static_cast<ELF_GROUP_TABLE*>(companion_.get());
 }
-// These two go by the section's name: one whose type asks for another companion gets that one, and
-// is no table of theirs.
+// These three go by the section's name: one whose type asks for another companion gets that one,
+// and is no table of theirs.
 ELF_SCN_ATTR_TABLE* ELF_SECTION::scn_attr_table_api(int kind) {
     if (!make_companion()) companion_ = std::make_unique<ELF_SCN_ATTR_TABLE>(this, kind);
     return dynamic_cast<ELF_SCN_ATTR_TABLE*>(companion_.get());
@@ -330,6 +331,18 @@ ELF_SYMALIAS_TABLE* ELF_SECTION::symalias_api() {
 OF_BUILD_ATTR_TABLE* ELF_SECTION::build_attr_api() {
     if (shdr_.sh_type != SHT_ATTRIBUTES) return nullptr;
     return make_companion() ? static_cast<OF_BUILD_ATTR_TABLE*>(companion_.get()) : nullptr;
+}
+
+ELF_SEG_ATTR_TABLE* ELF_SECTION::seg_attr_table_api() {
+    if (!make_companion()) companion_ = std::make_unique<ELF_SEG_ATTR_TABLE>(this);
+    return dynamic_cast<ELF_SEG_ATTR_TABLE*>(companion_.get());
+}
+
+bool ELF_SECTION::is_in_rom() {
+    ELF_SEGMENT_TABLE* segments = elf_file()->segment_table();
+    ELF_SEGMENT* segment =
+        elf_file()->has_seg_attr_db() ? segments->segment_section(this) : nullptr;
+    return segment && segment->seg_attr_tag(PHA_READONLY) && segment->seg_attr_tag(PHA_BOUND);
 }
 
 OF_GROUP_TABLE* ELF_SECTION::group_api() {

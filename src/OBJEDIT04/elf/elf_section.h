@@ -13,6 +13,7 @@ class ELF_FILE;
 class ELF_GROUP_TABLE;
 class ELF_RELOC_TABLE;
 class ELF_SCN_ATTR_TABLE;
+class ELF_SEG_ATTR_TABLE;
 class ELF_SECTION_TABLE;
 class ELF_STRING_TABLE;
 class ELF_SYMALIAS_TABLE;
@@ -75,7 +76,7 @@ class ELF_SECTION final : public OF_SECTION {
     int save() override;
 
     bool progbits_type();
-    bool is_in_rom() { return false; }
+    bool is_in_rom(); // the attributes of its segment say: bound, and not written
     unsigned ext_attr(int kind) const { return ext_attr_[kind]; }
     void set_ext_attr(int kind, unsigned v) { ext_attr_[kind] = v; }
     bool is_ext_attr_section() const; // holds extended attributes of the sections
@@ -104,6 +105,11 @@ class ELF_SECTION final : public OF_SECTION {
         in_file_ = true;
     }
 
+    void generate_text_info(TEXT_TABLE& table) override;
+    const char* sh_type_name(unsigned type);
+    const char* sh_flag_name(unsigned flag);
+    const char* qv_sh_flag_name(unsigned flag); // of the extended flag word
+
     // Companions; null, with an error, when the section is of another type.
     ELF_SYMBOL_TABLE* symbol_table_api();
     ELF_STRING_TABLE* string_table_api();
@@ -112,6 +118,7 @@ class ELF_SECTION final : public OF_SECTION {
     ELF_SCN_ATTR_TABLE* scn_attr_table_api(int kind);
     ELF_SYMALIAS_TABLE* symalias_api();
     OF_BUILD_ATTR_TABLE* build_attr_api();
+    ELF_SEG_ATTR_TABLE* seg_attr_table_api();
     OF_STATE_MACHINE* companion() const { return companion_.get(); }
 
     int lock_section();

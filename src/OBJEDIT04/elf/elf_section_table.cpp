@@ -154,9 +154,7 @@ int ELF_SECTION_TABLE::check_headers() {
         raw_header(i, h);
         const char* fault = nullptr;
         if (h.sh_type == SHT_NULL) continue;
-        if (i == 0)
-            fault = "it is not the null section";
-        else if (names_ && h.sh_name >= names_limit_)
+        if (names_ && h.sh_name >= names_limit_)
             fault = "its name is outside of the string table";
         else if (h.sh_type != SHT_NOBITS && h.sh_size && !file->in_image(h.sh_offset, h.sh_size))
             fault = "its contents are beyond the end of the file";
@@ -250,8 +248,11 @@ OF_SECTION* ELF_SECTION_TABLE::section_name(const char* name, unsigned start) {
 unsigned ELF_SECTION_TABLE::lookup_section_by_name(const char* name) {
     if (names_ && !any_loaded_ && !memmem(names_, names_limit_, name, std::strlen(name) + 1))
         return 0;
+    Elf32_Shdr h;
     for (unsigned i = 1; i < scnnum(); ++i)
-        if (std::strcmp(raw_name(i), name) == 0) return i;
+        if (std::strcmp(raw_name(i), name) == 0 && raw_header(i, h) && h.sh_type != SHT_NULL &&
+            !is_deleted(i))
+            return i;
     return 0;
 }
 

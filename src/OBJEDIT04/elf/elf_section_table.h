@@ -80,8 +80,8 @@ class ELF_SECTION_TABLE final : public OF_SECTION_TABLE {
     int lock_section_table_entries();
     int lock_section_ordering();
     int lock_sections();
-    unsigned format_sections(unsigned offset);
-    unsigned format_section_headers(unsigned offset);
+    uint64_t format_sections(uint64_t offset); // each answers the offset behind
+    uint64_t format_section_headers(uint64_t offset);
     int save();
 
   protected:

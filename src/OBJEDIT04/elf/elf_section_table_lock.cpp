@@ -319,14 +319,14 @@ int ELF_SECTION_TABLE::lock_sections() {
     return result;
 }
 
-unsigned ELF_SECTION_TABLE::format_sections(unsigned offset) {
+uint64_t ELF_SECTION_TABLE::format_sections(uint64_t offset) {
     unsigned unit = elf_file()->unit_bytes();
     for (unsigned i = 0; i < scnnum(); ++i) {
         ELF_SECTION* s = elf_section(i);
         Elf32_Shdr& h = s->header();
         if (s->in_segment() || h.sh_type == SHT_NULL) continue;
         if (s->allocated()) {
-            offset = ELF_FILE::align_file_offset(offset, h.sh_addr * unit, h.sh_addralign * unit);
+            offset = ELF_FILE::aligned_offset(offset, h.sh_addr * unit, h.sh_addralign * unit);
         } else {
             switch (h.sh_type) {
             case SHT_SYMTAB:
@@ -337,22 +337,23 @@ unsigned ELF_SECTION_TABLE::format_sections(unsigned offset) {
             case SHT_DYNSYM:
             case SHT_GROUP:
             case SHT_SYMTAB_SHNDX:
-                offset = ELF_FILE::align_file_offset(offset, 0, 4);
+                offset = ELF_FILE::aligned_offset(offset, 0, 4);
                 break;
             default:
                 break;
             }
         }
         bool nowhere = !s->allocated() && h.sh_size == 0 && !s->keeps_offset();
-        h.sh_offset = nowhere ? 0 : offset;
+        h.sh_offset = nowhere ? 0 : static_cast<unsigned>(offset);
         offset += s->file_bytes_size();
     }
     return offset;
 }
 
-unsigned ELF_SECTION_TABLE::format_section_headers(unsigned offset) {
-    file_offset_ = ELF_FILE::align_file_offset(offset, 0, 4);
-    return file_offset_ + scnnum() * section_header_size();
+uint64_t ELF_SECTION_TABLE::format_section_headers(uint64_t offset) {
+    offset = ELF_FILE::aligned_offset(offset, 0, 4);
+    file_offset_ = static_cast<unsigned>(offset);
+    return offset + uint64_t{scnnum()} * section_header_size();
 }
 
 int ELF_SECTION_TABLE::save() {

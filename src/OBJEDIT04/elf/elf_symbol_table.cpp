@@ -55,6 +55,13 @@ void ELF_SYMBOL_TABLE::take_raw() {
         raw_shndx_ = ofile()->image().data + h.sh_offset;
         raw_shndx_count_ = h.sh_size / 4;
     }
+    unsigned versym = section_->sh_type() == SHT_DYNSYM
+                          ? sections->lookup_sym_section_by_type(section_->id(), SHT_GNU_versym)
+                          : 0;
+    if (versym && sections->raw_header(versym, h) && ofile()->in_image(h.sh_offset, h.sh_size)) {
+        raw_versym_ = ofile()->image().data + h.sh_offset;
+        raw_versym_count_ = h.sh_size / 2;
+    }
 }
 
 bool ELF_SYMBOL_TABLE::read_record(unsigned id, Elf32_Sym& sym, unsigned& ext_shndx) {
@@ -117,6 +124,7 @@ OF_SYMBOL* ELF_SYMBOL_TABLE::load_symbol_into_mem(unsigned id) {
     unsigned ext_shndx;
     read_record(id, s->record(), ext_shndx);
     s->set_ext_shndx(ext_shndx);
+    if (id < raw_versym_count_) s->set_version_index(read_u16(raw_versym_ + size_t{id} * 2, big_));
     s->set_name_view(string_at(s->record().st_name, id));
     if (s->kind() == OF_SYM_KIND_NONE)
         ofile()->set_error(OF_ERROR_CORRUPT,
@@ -192,10 +200,18 @@ ELF_SECTION* ELF_SYMBOL_TABLE::shndx_table() {
     return i ? sections->elf_section(i) : nullptr;
 }
 
+ELF_SECTION* ELF_SYMBOL_TABLE::versym_table() {
+    ELF_SECTION_TABLE* sections = elf_file()->elf_section_table();
+    unsigned i = section_->sh_type() == SHT_DYNSYM
+                     ? sections->lookup_sym_section_by_type(section_->id(), SHT_GNU_versym)
+                     : 0;
+    return i ? sections->elf_section(i) : nullptr;
+}
+
 int ELF_SYMBOL_TABLE::clear() {
     if (OF_SYMBOL_TABLE::clear() != 0) return -1;
-    raw_ = raw_shndx_ = nullptr;
-    raw_count_ = raw_shndx_count_ = 0;
+    raw_ = raw_shndx_ = raw_versym_ = nullptr;
+    raw_count_ = raw_shndx_count_ = raw_versym_count_ = 0;
     return 0;
 }
 
@@ -242,9 +258,9 @@ int ELF_SYMBOL_TABLE::lock_symbol_table() {
     if (max_state(OF_STATE_OPEN) != 0 || load_all_symbols_into_mem() != 0) return -1;
     ofile()->machine_db()->elf_lock_symbol_table(this);
     if (purge_deleted_symbols() != 0 || lock_symbol_ordering() != 0) return -1;
-    raw_ = raw_shndx_ = nullptr;
+    raw_ = raw_shndx_ = raw_versym_ = nullptr;
     names_ = nullptr;
-    raw_count_ = raw_shndx_count_ = names_limit_ = 0;
+    raw_count_ = raw_shndx_count_ = raw_versym_count_ = names_limit_ = 0;
     entsize_ = ELF_SYMSIZE;
     section_->set_sh_entsize(ELF_SYMSIZE);
     return write_records();
@@ -297,6 +313,17 @@ int ELF_SYMBOL_TABLE::write_records() {
         extended |= s->record().st_shndx == SHN_XINDEX;
         store_Elf32_Sym(p, s->record(), swap);
         p += ELF_SYMSIZE;
+    }
+    if (ELF_SECTION* versions = versym_table()) {
+        DATA_MAP& halves = versions->raw_data();
+        halves.set_zeros(size_t{symnum_} * 2);
+        uint8_t* v = symnum_ ? halves.writable() : nullptr;
+        for (OF_SYMBOL* symbol : symbols_) {
+            write_u16(v, static_cast<uint16_t>(static_cast<ELF_SYMBOL*>(symbol)->version_index()),
+                      elf_file()->big());
+            v += 2;
+        }
+        versions->header().sh_size = symnum_ * 2;
     }
     ELF_SECTION* indices = shndx_table();
     if (!indices) {

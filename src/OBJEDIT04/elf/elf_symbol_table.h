@@ -36,6 +36,7 @@ class ELF_SYMBOL_TABLE final : public OF_SYMBOL_TABLE {
 
     ELF_STRING_TABLE* string_table(); // made in a file built in memory
     ELF_SECTION* shndx_table();       // section of the extended indices; null: none
+    ELF_SECTION* versym_table();      // section of the version indices; null: none
     unsigned default_visibility() const { return default_visibility_; }
     void set_default_visibility(unsigned v) { default_visibility_ = v & 3; }
 
@@ -63,6 +64,8 @@ class ELF_SYMBOL_TABLE final : public OF_SYMBOL_TABLE {
     unsigned names_limit_ = 0;
     const uint8_t* raw_shndx_ = nullptr; // the extended indices as read
     unsigned raw_shndx_count_ = 0;
+    const uint8_t* raw_versym_ = nullptr; // the version indices as read
+    unsigned raw_versym_count_ = 0;
     bool big_ = false;
 };
 

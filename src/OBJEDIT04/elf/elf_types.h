@@ -32,10 +32,17 @@ struct Elf32_Rela {
     int32_t r_addend;
 };
 
+// An attribute of a segment.
+struct Elf32_PHattr {
+    uint16_t pha_seg, pha_tag;
+    uint32_t pha_val;
+};
+
 inline constexpr unsigned ELF_EHSIZE = 52, ELF_PHENTSIZE = 32, ELF_SHENTSIZE = 40, ELF_SYMSIZE = 16;
-inline constexpr unsigned ELF_RELSIZE = 8, ELF_RELASIZE = 12;
+inline constexpr unsigned ELF_RELSIZE = 8, ELF_RELASIZE = 12, ELF_PHATTRSIZE = 8;
 static_assert(sizeof(Elf32_Ehdr) == ELF_EHSIZE && sizeof(Elf32_Phdr) == ELF_PHENTSIZE);
 static_assert(sizeof(Elf32_Shdr) == ELF_SHENTSIZE && sizeof(Elf32_Sym) == ELF_SYMSIZE);
+static_assert(sizeof(Elf32_PHattr) == ELF_PHATTRSIZE);
 static_assert(sizeof(Elf32_Rel) == ELF_RELSIZE && sizeof(Elf32_Rela) == ELF_RELASIZE);
 
 enum : unsigned { EI_CLASS = 4, EI_DATA = 5, EI_VERSION = 6, EI_OSABI = 7 };
@@ -128,6 +135,9 @@ enum : unsigned {
     QV_SHF_RETAINREFS = 8,
     QV_SHF_NOINIT = 16
 };
+
+// Intermediate code of the compiler, beside the code made of it.
+inline constexpr const char* ELF_ICODE_SECTION_NAME = ".icode";
 
 inline constexpr const char* ELF_SYMALIAS_SECTION_NAME = ".QV.symbol.alias";
 

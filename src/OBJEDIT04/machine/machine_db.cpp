@@ -2,6 +2,7 @@
 #include "OBJEDIT04/machine/machine_db.h"
 
 #include "OBJEDIT04/attributes/build_attr_tag.h"
+#include "OBJEDIT04/elf/segments/elf_seg_attr.h"
 #include "OBJEDIT04/machine/arm_machine_db.h"
 #include "OBJEDIT04/ofe/object_file.h"
 #include "OBJEDIT04/ofe/of_section.h"
@@ -10,7 +11,6 @@ namespace OFE {
 
 namespace {
 
-constexpr unsigned QV_SHF_NOINIT = 16;
 constexpr unsigned TAG_RTS_VENDOR = 4;
 
 bool unknown(const char*& name) {
@@ -93,6 +93,13 @@ bool OF_MACHINE_DB::elf_qv_sh_flag_name(ELF_SECTION*, unsigned, const char*& nam
 }
 bool OF_MACHINE_DB::elf_sym_kind_name(ELF_SYMBOL*, const char*& name) {
     return unknown(name);
+}
+
+void OF_MACHINE_DB::elf_build_phattrtag_db(std::vector<PHATTR_TAG>& tags) {
+    tags = {{PHA_NULL, "PHA_NULL", false},
+            {PHA_BOUND, "PHA_BOUND", false},
+            {PHA_READONLY, "PHA_READONLY", false},
+            {PHA_PAGE, "PHA_PAGE", true}};
 }
 
 const char* OF_MACHINE_DB::elf_qv_sh_attr_name(int kind) const {

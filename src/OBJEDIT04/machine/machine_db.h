@@ -30,6 +30,7 @@ class ELF_SECTION_TABLE;
 class ELF_SEGMENT;
 class ELF_SYMBOL;
 class ELF_SYMBOL_TABLE;
+struct PHATTR_TAG;
 
 class OF_MACHINE_DB {
   public:
@@ -94,6 +95,8 @@ class OF_MACHINE_DB {
     virtual bool elf_qv_sh_flag_name(ELF_SECTION*, unsigned flag, const char*& name);
     virtual bool elf_sym_kind(ELF_SYMBOL*, OF_SYM_KIND&) { return false; }
     virtual bool elf_sym_kind_name(ELF_SYMBOL*, const char*& name);
+    // The attributes that segments of the machine may have; the base enters the general ones.
+    virtual void elf_build_phattrtag_db(std::vector<PHATTR_TAG>& tags);
     virtual void elf_build_special_section_hash(ELF_SECTION_TABLE*) {}
 
     // Extended section attributes: kind 0 the flags word, 1 the page word. A type of 1 means "by

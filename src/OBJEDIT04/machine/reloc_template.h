@@ -73,6 +73,7 @@ enum OF_RELOC_ENCODING : uint8_t {
 enum OF_RELOC_ID : uint32_t {
     OFR_NOT_SUPPORTED = 0, // the linker does not know what the type asks for
     OFR_OBSOLETE = 1,      // the type is no longer in use
+    OFR_RESERVED = 2,      // the number is set aside; no file has a use for it
     OFR_FIRST_TEMPLATE = 0x100,
 #define RELOC_COMMON(id, name, ...) name = id,
 #define RELOC_ARM(id, name, ...) OFR_ARM_##name = id,

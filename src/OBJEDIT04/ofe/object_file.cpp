@@ -99,6 +99,14 @@ const OF_RELOC_TYPE* OBJECT_FILE::machine_reloc_type(const char* name) {
     return reloc_type(name);
 }
 
+void OBJECT_FILE::build_reloc_type_table() {
+    reltypes();
+}
+
+int OBJECT_FILE::remap_reloc_type(unsigned from, unsigned to) {
+    return reltypes()->remap(from, to) ? 0 : -1;
+}
+
 void OBJECT_FILE::get_summary_section_sizes(unsigned& code, unsigned& data, unsigned& uninit) {
     code = data = uninit = 0;
     for (unsigned i = 0; i < section_table()->scnnum(); ++i) {

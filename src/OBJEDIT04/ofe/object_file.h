@@ -9,6 +9,7 @@
 #include <memory>
 
 class DATA_MAP;
+class TEXT_TABLE;
 
 namespace OFE {
 
@@ -24,6 +25,18 @@ class OF_SECTION;
 class OF_SECTION_TABLE;
 class OF_SYMBOL;
 class OF_SYMBOL_TABLE;
+
+/// What a text dump of a file shows.
+struct OF_DISPFLAGS {
+    bool file = true;
+    bool sections = true;
+    bool segments = true;
+    bool symbols = true;
+    bool relocs = true;
+    bool groups = true;
+    bool attributes = true;
+    bool strings = false;
+};
 
 using OF_ERROR_HANDLER = void (*)(OBJECT_FILE*, OF_ERROR_CODE, const char*);
 
@@ -83,6 +96,7 @@ class OBJECT_FILE : public OF_STATE_MACHINE {
     void set_load_image_index(unsigned i) { load_image_index_ = i; }
     ICODE_FLAG icode_flag() const { return icode_flag_; }
     void set_icode_flag(ICODE_FLAG f) { icode_flag_ = f; }
+    virtual bool is_icode_present() = 0; // embedded intermediate code; looked for once
 
     // Errors.
     void set_error(OF_ERROR_CODE code, const char* format, ...)
@@ -100,6 +114,10 @@ class OBJECT_FILE : public OF_STATE_MACHINE {
     const OF_RELOC_TYPE* reloc_type(const char* name);
     const OF_RELOC_TYPE* machine_reloc_type(unsigned number);
     const OF_RELOC_TYPE* machine_reloc_type(const char* name);
+    void build_reloc_type_table(); // ahead of the first look-up
+    // From now on the generic type `from` is expressed by the machine's type for `to`, in all files
+    // of this machine and format; -1 when it has none.
+    int remap_reloc_type(unsigned from, unsigned to);
 
     // Build attributes: what is said of the file, a symbol or a section, by a vendor's name, by
     // this vendor (qv_) or in the public subsection of the processor (abi_). Null, 0 and "" when
@@ -173,6 +191,14 @@ class OBJECT_FILE : public OF_STATE_MACHINE {
     bool contains_default_rts_args_main();
     bool contains_default_rts_system_post_cinit();
 
+    // A dump for people to read, of what the flags say; a name is opened for writing.
+    int save_text(const char* name);
+    int save_text(FHM_FILE* to);
+    virtual void generate_file_info(TEXT_TABLE& table); // rows of a name and a value
+    OF_DISPFLAGS& dispflags() {
+        return dispflags_;
+    }
+
     // Texts.
     static const char* error_code_name(OF_ERROR_CODE code);
     static const char* format_name(OF_FORMAT f);
@@ -206,6 +232,8 @@ class OBJECT_FILE : public OF_STATE_MACHINE {
     OF_FILE_HANDLE handle_;
     OF_BYTES image_;
 
+    virtual void save_text_extra(FHM_FILE*) {} // what the format has besides
+
   private:
     static constexpr unsigned TAG_PRODUCER_NAME = 5, TAG_VMAJOR = 8, TAG_VMINOR = 10,
                               TAG_VPATCH = 12;
@@ -229,6 +257,7 @@ class OBJECT_FILE : public OF_STATE_MACHINE {
     bool write_failed_ = false;
     std::unique_ptr<OF_MACHINE_DB> machine_db_;
     ICODE_FLAG icode_flag_ = ICODE_UNKNOWN;
+    OF_DISPFLAGS dispflags_;
     bool safe_to_execute_ = true;
     bool zero_init_ = false;
     unsigned file_id_;

@@ -5,6 +5,8 @@
 #include "OBJEDIT04/ofe/of_state_machine.h"
 #include <vector>
 
+class TEXT_TABLE;
+
 namespace OFE {
 
 class OF_SECTION;
@@ -36,6 +38,7 @@ class OF_GROUP_TABLE : public OF_STATE_MACHINE {
     unsigned add_member(OF_SECTION* section); // the index, or OF_DELETED when not open
     int delete_member(unsigned i);
     int update_section_refs(const RECORD_MAP<unsigned>& map);
+    void generate_text_info(TEXT_TABLE& table); // a row per member
 
   protected:
     std::vector<unsigned> members_;

@@ -4,6 +4,8 @@
 
 #include "OBJEDIT04/ofe/of_types.h"
 
+class TEXT_TABLE;
+
 namespace OFE {
 
 class OBJECT_FILE;
@@ -52,6 +54,8 @@ class OF_RELOC {
     virtual unsigned pc_mask() const;
     bool takes_symbol() const;  // the template's symbol flag
     unsigned raw_data_offset(); // bytes from the section's start
+
+    virtual void generate_text_info(TEXT_TABLE& table); // its row of the table of relocations
 
     virtual int patch_raw_data() = 0;
     virtual unsigned sym_id() const = 0;

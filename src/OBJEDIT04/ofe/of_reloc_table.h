@@ -5,6 +5,9 @@
 #include <utility>
 #include <vector>
 
+class FHM_FILE;
+class TEXT_TABLE;
+
 namespace OFE {
 
 class OF_RELOC;
@@ -38,6 +41,8 @@ class OF_RELOC_TABLE : public OF_STATE_MACHINE {
     int sort_relocs(); // by offset, then id
     void swap_relocs(unsigned a, unsigned b);
     bool any_reloc_at_offset(unsigned offset);
+    void save_text(FHM_FILE* to);
+    virtual void generate_text_info(TEXT_TABLE& table); // a heading and a row per relocation
     void mark_unsorted() {
         sorted_ = false;
         offset_map_stale_ = true;

@@ -6,6 +6,7 @@
 #include <memory>
 
 class DATA_MAP;
+class TEXT_TABLE;
 
 namespace OFE {
 
@@ -113,6 +114,7 @@ class OF_SECTION : public OF_STATE_MACHINE {
     bool check_raw_data_ABW(unsigned offset,
                             unsigned& size); // cuts size to what fits; false when it was too large
     virtual int save() = 0;
+    virtual void generate_text_info(TEXT_TABLE& table); // its row of the table of sections
 
     // What static base-relative references to this section count from; set by the linker.
     OF_SYMBOL* static_base_symbol() const { return static_base_; }

@@ -7,6 +7,9 @@
 #include "OBJEDIT04/ofe/raw_records.h"
 #include <vector>
 
+class FHM_FILE;
+class TEXT_TABLE;
+
 namespace OFE {
 
 class OF_GROUP_TABLE;
@@ -39,6 +42,9 @@ class OF_SECTION_TABLE : public OF_STATE_MACHINE {
     virtual int patch_section_refs();
     virtual int resolve_group_refs() = 0;
     const RECORD_MAP<unsigned>& translations() const { return translations_; }
+
+    void save_text(FHM_FILE* to);
+    virtual void generate_text_info(TEXT_TABLE& table); // a heading and a row per section
 
     // The placeholder of deleted sections, made on first need.
     OF_SECTION* deleted_section();

@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+class FHM_FILE;
+
 namespace OFE {
 
 class OF_STRING_TABLE_MANAGER {
@@ -24,6 +26,8 @@ class OF_STRING_TABLE_MANAGER {
     virtual unsigned add_string(const char* text); // the offset, old or new
     virtual bool find_string(const char* text, unsigned& offset);
     virtual unsigned first_offset() const { return 0; }
+
+    void save_text(FHM_FILE* to); // offset and text of each string
 
     void set_pool(OF_BYTES bytes); // a pool as read; a view
     unsigned size() const;

@@ -4,6 +4,8 @@
 
 #include "OBJEDIT04/ofe/of_types.h"
 
+class TEXT_TABLE;
+
 namespace OFE {
 
 class OBJECT_FILE;
@@ -61,6 +63,8 @@ class OF_SYMBOL {
 
     virtual int set_section_id(unsigned id) = 0;
     virtual int patch_raw_data() = 0; // rewrite the encoded record in a locked table
+
+    virtual void generate_text_info(TEXT_TABLE& table); // its row of the table of symbols
 
     // The linker's own number for the symbol's name; 0: none.
     unsigned global_id() const { return global_id_; }

@@ -6,6 +6,8 @@
 #include "OBJEDIT04/ofe/raw_records.h"
 #include <vector>
 
+class FHM_FILE;
+
 namespace OFE {
 
 class OF_SECTION_TABLE;
@@ -38,6 +40,8 @@ class OF_SYMBOL_TABLE : public OF_STATE_MACHINE {
     virtual int patch_symbol_refs();
     virtual OF_SECTION_TABLE* section_table() const = 0;
     const RECORD_MAP<unsigned>& translations() const { return translations_; }
+
+    void save_text(FHM_FILE* to);
 
     // Raw records: no object is made. A symbol changed in memory is read from its object.
     virtual bool raw_symbol(unsigned id, OF_RAW_SYMBOL& out) = 0;

@@ -6,6 +6,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <vector>
@@ -384,6 +385,168 @@ TEST_F(Releng, splits_an_offset_over_a_group) {
     EXPECT_EQ(relocate_rela(text_, OFR_ARM_ALU_PC_G1, 0xE28F0000, s, 0),
               0xE24F0FD0u); // 0x340, subtracted
     EXPECT_EQ(messages_, "");
+}
+
+// --- relocation expressions
+
+// One operation: what it pushes, as a constant, or the symbol's value.
+struct EXPR_OP {
+    OF_RELOC_ID id;
+    int constant = 0;
+};
+struct EXPR_CASE {
+    const char* what;
+    std::vector<EXPR_OP> ops;
+    uint32_t stored;
+};
+
+class Releng_expr : public Releng {
+  protected:
+    // Runs the operations at the start of the section; a store goes to 16 bits at bit 8 of a word.
+    uint32_t run(const std::vector<EXPR_OP>& ops, uint32_t word = 0xFFFFFFFF) {
+        uint8_t bytes[4];
+        put_arm(bytes, big_, word);
+        text_->write_to_raw_data(bytes, 4, 0);
+        OF_RELENG engine(text_);
+        engine.set_bytes(text_->writable_bytes(0, 4), 4);
+        engine.set_run_addr(TEXT);
+        FILE* messages = open_memstream(&text_of_messages_, &size_of_messages_);
+        DIAGNOSTIC::fp_m = messages;
+        OF_SYMBOL* s = symbol("s", 0x120);
+        RELOC_SYMBOL target;
+        target.input = target.final = s;
+        target.value = 0x120;
+        target.known = true;
+        for (const EXPR_OP& op : ops) {
+            OF_RELOC_TYPE type{reloc_template(op.id)->name, 0, op.id, reloc_template(op.id)};
+            RELOC_SITE site;
+            site.type = &type;
+            site.rel = type.rel_template;
+            site.addend = op.constant;
+            site.symbol = type.has_symbol() ? &target : nullptr;
+            site.field_size = 16;
+            site.field_offset = 8;
+            site.container_size = 32;
+            engine.process_reloc(site);
+        }
+        DIAGNOSTIC::fp_m = nullptr;
+        fclose(messages);
+        messages_ = text_of_messages_;
+        free(text_of_messages_);
+        return get_arm(text_->writable_bytes(0, 4), big_);
+    }
+};
+
+TEST_F(Releng_expr, combine_what_was_pushed_and_store_it_in_a_field) {
+    auto two = [](int a, int b, OF_RELOC_ID op, OF_RELOC_ID store = OFRE_XSTFLD) {
+        return std::vector<EXPR_OP>{{OFRE_PUSHSK, a}, {OFRE_PUSHSK, b}, {op}, {store}};
+    };
+    const EXPR_CASE CASES[] = {
+        {"add", two(0x1200, 0x34, OFRE_ADD), 0x1234},
+        {"subtract", two(3, 5, OFRE_SUB), 0xFFFE},
+        {"multiply", two(-3, 5, OFRE_MPY), 0xFFF1},
+        {"divide", two(-100, 7, OFRE_DIV), 0xFFF2},
+        {"divide by nothing", two(100, 0, OFRE_DIV), 0},
+        {"rest", two(-100, 7, OFRE_MOD), 0xFFFE},
+        {"rest by nothing", two(100, 0, OFRE_MOD), 0},
+        {"and", two(0x0FF0, 0x3C3C, OFRE_AND), 0x0C30},
+        {"or", two(0x0FF0, 0x3003, OFRE_OR), 0x3FF3},
+        {"exclusive or", two(0x0FF0, 0x00FF, OFRE_XOR), 0x0F0F},
+        {"shift left", two(0x12, 4, OFRE_SL), 0x0120},
+        {"shift right of a sign", two(-0x100, 4, OFRE_ASR), 0xFFF0},
+        {"shift right by all bits", two(-1, 128, OFRE_SR), 0},
+        {"shift right by more than all, of a sign", two(-1, 1000, OFRE_ASR), 0xFFFF},
+        {"shift by less than nothing", two(1, -1, OFRE_SL), 0},
+        {"shift right of a sign without it",
+         {{OFRE_PUSHSK, -1}, {OFRE_PUSHSK, 116}, {OFRE_SR}, {OFRE_USTFLD}},
+         0x0FFF},
+        {"negate", {{OFRE_PUSHSK, 5}, {OFRE_NEG}, {OFRE_SSTFLD}}, 0xFFFB},
+        {"complement", {{OFRE_PUSHSK, 5}, {OFRE_NOTB}, {OFRE_SSTFLD}}, 0xFFFA},
+        {"a constant without a sign",
+         {{OFRE_PUSHUK, -1}, {OFRE_PUSHSK, 16}, {OFRE_SR}, {OFRE_USTFLD}},
+         0xFFFF},
+        {"twice the top", {{OFRE_PUSHSK, 7}, {OFRE_DUP}, {OFRE_MPY}, {OFRE_USTFLD}}, 49},
+        {"the symbol less the place",
+         {{OFRE_PUSH}, {OFRE_PUSHPC}, {OFRE_SUB}, {OFRE_XSTFLD}},
+         (0x120 - TEXT) & 0xFFFF},
+        {"a field, without a sign",
+         {{OFRE_ULDFLD}, {OFRE_PUSHSK, 1}, {OFRE_SR}, {OFRE_USTFLD}},
+         0x7FFF},
+        {"a field, with its sign",
+         {{OFRE_SLDFLD}, {OFRE_PUSHSK, 1}, {OFRE_SUB}, {OFRE_SSTFLD}},
+         0xFFFE},
+        {"in wide steps",
+         {{OFRE_PUSHSK, 0x7FFFFFFF},
+          {OFRE_DUP},
+          {OFRE_MPY},
+          {OFRE_DUP},
+          {OFRE_PUSHSK, 0x7FFFFFFF},
+          {OFRE_DIV},
+          {OFRE_DIV},
+          {OFRE_PUSHSK, 20},
+          {OFRE_SR},
+          {OFRE_USTFLD}},
+         0x7FF},
+    };
+    for (OF_ENDIAN endian : {OF_ENDIAN_LITTLE, OF_ENDIAN_BIG})
+        for (const EXPR_CASE& c : CASES) {
+            make(endian, V7);
+            EXPECT_EQ(run(c.ops), 0xFF0000FF | c.stored << 8) << c.what;
+            EXPECT_EQ(messages_, "") << c.what;
+        }
+}
+
+TEST_F(Releng_expr,
+       an_operation_without_operands_is_reported_and_nothing_is_stored_but_by_a_store) {
+    EXPECT_EQ(run({{OFRE_PUSHSK, 1}, {OFRE_ADD}}), 0xFFFFFFFFu);
+    EXPECT_EQ(messages_, "warning: insufficient operands available on the relocation expression "
+                         "stack for relocation operation OFRE_ADD\n");
+    for (OF_RELOC_ID id : {OFRE_NEG, OFRE_NOTB, OFRE_DUP, OFRE_XSTFLD}) {
+        make(OF_ENDIAN_LITTLE, V7);
+        run({{id}});
+        EXPECT_NE(messages_.find(reloc_template(id)->name), std::string::npos) << messages_;
+    }
+}
+
+TEST_F(Releng_expr, a_store_checks_its_field) {
+    EXPECT_EQ(run({{OFRE_PUSHSK, 0x12345}, {OFRE_USTFLD}}), 0xFF2345FFu);
+    EXPECT_EQ(
+        messages_.substr(0, 98),
+        "warning: relocation overflowed; the 17-bit relocated address 0x12345 is too large to "
+        "encode in the");
+}
+
+// --- numbers that no file may use
+
+TEST_F(Releng, obsolete_and_reserved_types_are_errors_and_leave_the_field) {
+    const struct {
+        unsigned number;
+        const char* text;
+    } CASES[] = {
+        {14, "error: relocation type is obsolete, and no longer supported (type = 'R_ARM_THM_SWI8' "
+             "(14), file = \"out.elf\", offset = 0x00000000, section = \".text\")\n"},
+        {252, "error: Illegal use of a reserved relocation type, R_ARM_RREL32; input file "
+              "\"out.elf\" is invalid\n"},
+        {95, "warning: relocation type is not supported (type = 'R_ARM_GOT_ABS' (95), file = "
+             "\"out.elf\", offset = 0x00000000, section = \".text\")\n"},
+    };
+    for (const auto& c : CASES) {
+        make(OF_ENDIAN_LITTLE, V7);
+        text_->write_to_raw_data("abcd", 4, 0);
+        OF_RELOC* rel = text_->new_reloc(false);
+        rel->set_type(file_->machine_reloc_type(c.number));
+        rel->set_scnrel_offset(0);
+        OF_RELENG engine(text_);
+        FILE* messages = open_memstream(&text_of_messages_, &size_of_messages_);
+        DIAGNOSTIC::fp_m = messages;
+        engine.relocate(TEXT);
+        DIAGNOSTIC::fp_m = nullptr;
+        fclose(messages);
+        EXPECT_STREQ(text_of_messages_, c.text);
+        free(text_of_messages_);
+        EXPECT_EQ(std::memcmp(text_->bytes().data, "abcd", 4), 0);
+        EXPECT_TRUE(engine.has_error());
+    }
 }
 
 } // namespace

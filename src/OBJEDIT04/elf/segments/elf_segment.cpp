@@ -87,58 +87,6 @@ DATA_MAP* ELF_SEGMENT::raw_data() {
     return raw_data_.get();
 }
 
-namespace {
-
-bool inside(uint64_t start, uint64_t size, uint64_t from, uint64_t length) {
-    return start >= from && start - from <= length && size <= length - (start - from);
-}
-
-} // namespace
-
-// For a file that was read: whatever lies inside the segment's range of the file, or of memory
-// where it has no bytes.
-void ELF_SEGMENT::detect_seg_objects() {
-    Elf32_Phdr& h = header();
-    ELF_SECTION_TABLE* sections = elf_file()->elf_section_table();
-    if (h.p_offset == 0) {
-        if (h.p_type != PT_LOAD) return;
-        add_seg_object(SEG_OBJECT_FILE_HEADER, 0);
-    }
-    if (h.p_type == PT_LOAD) {
-        for (unsigned short i = 0; i < table_->segnum(); ++i) {
-            Elf32_Phdr& other = *table_->segment_header(i);
-            if (i == id_ || other.p_type == PT_LOAD || (other.p_filesz == 0 && other.p_memsz == 0))
-                continue;
-            bool member = other.p_filesz
-                              ? inside(other.p_offset, other.p_filesz, h.p_offset, h.p_filesz)
-                              : inside(other.p_vaddr, other.p_memsz, h.p_vaddr, h.p_memsz);
-            if (member) {
-                objects_.push_back({SEG_OBJECT_SEGMENT, i});
-                has_objects_ = true;
-                if (other.p_type == PT_PHDR) table_->set_phdr_in_load_segment(true);
-                if (table_->segments_[i]) table_->segments_[i]->contained_ = true;
-            }
-        }
-    }
-    Elf32_Shdr s;
-    for (unsigned i = 1; i < sections->scnnum(); ++i) {
-        if (!sections->raw_header(i, s) || s.sh_type == SHT_NULL || s.sh_size == 0 ||
-            sections->is_deleted(i))
-            continue;
-        if (!(s.sh_flags & SHF_ALLOC)) continue;
-        bool member = s.sh_type != SHT_NOBITS
-                          ? inside(s.sh_offset, s.sh_size, h.p_offset, h.p_filesz)
-                          : inside(s.sh_addr, s.sh_size, h.p_vaddr, h.p_memsz);
-        if (!member) continue;
-        if (h.p_type == PT_LOAD) {
-            if (sections->elf_section(i)->in_segment()) continue;
-            sections->elf_section(i)->set_in_segment(true);
-        }
-        objects_.push_back({SEG_OBJECT_SECTION, i});
-        has_objects_ = true;
-    }
-}
-
 void ELF_SEGMENT::add_section_size(ELF_SECTION* section, uint64_t& filesz, uint64_t& memsz) {
     Elf32_Phdr& h = header();
     uint64_t sz = section->file_bytes_size();
@@ -220,17 +168,17 @@ int ELF_SEGMENT::calculate_size() {
     return 0;
 }
 
-unsigned ELF_SEGMENT::format_segment(unsigned offset) {
+uint64_t ELF_SEGMENT::format_segment(uint64_t offset) {
     if (max_state(OF_STATE_LOCKED) != 0) return offset;
     Elf32_Phdr& h = header();
     if (h.p_type == PT_GNU_STACK) return offset;
     unsigned align = h.p_align;
     if (h.p_type == PT_LOAD) align = std::max(align, table_->min_load_align());
-    offset = ELF_FILE::align_file_offset(offset, h.p_vaddr * elf_file()->unit_bytes(), align);
-    offset = ELF_FILE::align_file_offset(offset, 0, 4);
-    h.p_offset = offset;
+    offset = ELF_FILE::aligned_offset(offset, h.p_vaddr * elf_file()->unit_bytes(), align);
+    offset = ELF_FILE::aligned_offset(offset, 0, 4);
+    h.p_offset = static_cast<unsigned>(offset);
     bool load = h.p_type == PT_LOAD;
-    unsigned at = offset, unit = elf_file()->unit_bytes();
+    unsigned at = h.p_offset, unit = elf_file()->unit_bytes();
     for (const SEG_OBJECT& o : objects_) {
         switch (o.type) {
         case SEG_OBJECT_FILE_HEADER:
@@ -256,7 +204,7 @@ unsigned ELF_SEGMENT::format_segment(unsigned offset) {
     }
     if (!has_objects_ && h.p_type == PT_PHDR)
         table_->set_file_offset(ELF_FILE::align_file_offset(h.p_offset, 0, 4));
-    return h.p_offset + h.p_filesz;
+    return offset + h.p_filesz;
 }
 
 int ELF_SEGMENT::progress_to_state(OF_STATE target) {

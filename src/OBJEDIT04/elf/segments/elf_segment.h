@@ -13,6 +13,7 @@ namespace OFE {
 
 class ELF_FILE;
 class ELF_SECTION;
+struct ELF_SEG_ATTR;
 class ELF_SEGMENT_TABLE;
 
 enum SEG_OBJECT_TYPE : int {
@@ -49,10 +50,14 @@ class ELF_SEGMENT final : public OF_STATE_MACHINE {
     const std::vector<SEG_OBJECT>& objects() const { return objects_; }
     bool contains_file_header() const;
     DATA_MAP* raw_data(); // of a segment without objects
-    unsigned page() const { return 0; }
+    /// Attributes of the segment, in a file that has such: a new one, the first of a tag (null: it
+    /// has none), and the page that it lies on (0 unless one says so).
+    ELF_SEG_ATTR* new_seg_attr();
+    ELF_SEG_ATTR* seg_attr_tag(unsigned tag);
+    unsigned page();
 
     int calculate_size();                     // p_filesz and p_memsz from what it contains
-    unsigned format_segment(unsigned offset); // its place in the file; the offset behind it
+    uint64_t format_segment(uint64_t offset); // its place in the file; the offset behind it
     int save();
 
     const char* p_type_name(unsigned type);
@@ -61,7 +66,10 @@ class ELF_SEGMENT final : public OF_STATE_MACHINE {
 
   private:
     friend class ELF_SEGMENT_TABLE;
-    void detect_seg_objects();
+    void take_detected(SEG_OBJECT_TYPE type, unsigned id) { // found in a file that was read
+        objects_.push_back({type, id});
+        has_objects_ = true;
+    }
     void add_section_size(ELF_SECTION* section, uint64_t& filesz, uint64_t& memsz);
     void add_segment_size(ELF_SEGMENT* member, uint64_t& filesz, uint64_t& memsz);
 

@@ -5,16 +5,11 @@
 #include "OBJEDIT04/elf/elf_file.h"
 #include "OBJEDIT04/elf/elf_section.h"
 #include "OBJEDIT04/elf/elf_section_table.h"
+#include "OBJEDIT04/elf/segments/elf_seg_attr.h"
 #include "OBJEDIT04/elf/segments/elf_segment.h"
 #include "UTIL/data_map.h"
 
 namespace OFE {
-
-namespace {
-
-constexpr unsigned short SEGMENT_DELETED = 0xFFFF;
-
-} // namespace
 
 ELF_SEGMENT_TABLE::ELF_SEGMENT_TABLE(ELF_FILE* file) : OF_STATE_MACHINE(file) {}
 ELF_SEGMENT_TABLE::~ELF_SEGMENT_TABLE() = default;
@@ -28,7 +23,8 @@ int ELF_SEGMENT_TABLE::clear() {
     headers_.clear();
     translations_.clear();
     deleted_.clear();
-    section_map_valid_ = phdr_in_load_ = has_deleted_ = frozen_ = from_file_ = false;
+    section_map_valid_ = phdr_in_load_ = has_deleted_ = frozen_ = false;
+    made_ = true;
     entsize_ = ELF_PHENTSIZE;
     file_offset_ = 0;
     return 0;
@@ -51,36 +47,19 @@ int ELF_SEGMENT_TABLE::load(unsigned offset, unsigned entsize, unsigned short co
         headers_.push_back(std::make_unique<Elf32_Phdr>());
         load_Elf32_Phdr(p, *headers_.back(), elf_file()->swap());
     }
-    segments_.resize(count);
     file_offset_ = offset;
-    from_file_ = true;
-    return 0;
-}
-
-int ELF_SEGMENT_TABLE::load_segment_into_mem(unsigned short id) {
-    segments_[id] = std::make_unique<ELF_SEGMENT>(this, id);
-    ELF_SEGMENT* s = segments_[id].get();
-    if (!from_file_ || !ofile()->is_input()) return 0;
-    s->detect_seg_objects();
-    for (unsigned short i = 0; i < segnum(); ++i)
-        if (segments_[i])
-            for (const SEG_OBJECT& o : segments_[i]->objects())
-                if (o.type == SEG_OBJECT_SEGMENT && o.id == id) s->contained_ = true;
-    const Elf32_Phdr& h = *headers_[id];
-    if (!s->has_objects() && h.p_filesz && ofile()->in_image(h.p_offset, h.p_filesz))
-        ofile()->get_file_data(*s->raw_data(), h.p_offset, h.p_filesz);
+    made_ = false;
     return 0;
 }
 
 ELF_SEGMENT* ELF_SEGMENT_TABLE::segment(unsigned short id) {
     if (id >= segnum()) return nullptr;
-    if (!segments_[id]) load_segment_into_mem(id);
+    make_segments();
     return segments_[id].get();
 }
 
 int ELF_SEGMENT_TABLE::load_all_segments_into_mem() {
-    for (unsigned short i = 0; i < segnum(); ++i)
-        if (!segment(i)) return -1;
+    make_segments();
     return 0;
 }
 
@@ -138,7 +117,8 @@ ELF_SEGMENT* ELF_SEGMENT_TABLE::new_segment() {
                                              "add new segments after the PT_PHDR "
                                              "segment has been allocated");
     unsigned short id = segnum();
-    if (id >= SEGMENT_DELETED) return nullptr;
+    if (id >= ELF_SEGMENT_DELETED) return nullptr;
+    make_segments();
     headers_.push_back(std::make_unique<Elf32_Phdr>());
     segments_.push_back(std::make_unique<ELF_SEGMENT>(this, id));
     section_map_valid_ = false;
@@ -161,7 +141,13 @@ int ELF_SEGMENT_TABLE::delete_segment(unsigned short id) {
     deleted_[id] = true;
     has_deleted_ = true;
     section_map_valid_ = false;
+    if (ELF_SEG_ATTR_TABLE* attributes = attribute_table()) attributes->delete_attrs_of(id);
     return 0;
+}
+
+ELF_SEG_ATTR_TABLE* ELF_SEGMENT_TABLE::attribute_table() {
+    ELF_SEG_ATTR_DB* db = elf_file()->seg_attr_db();
+    return db ? db->table() : nullptr;
 }
 
 int ELF_SEGMENT_TABLE::purge_deleted_segments() {
@@ -172,7 +158,7 @@ int ELF_SEGMENT_TABLE::purge_deleted_segments() {
     if (once.refused()) return -1;
     int result = load_all_segments_into_mem();
     purge_deleted_seg_objects();
-    RECORD_MAP<unsigned short> map(segnum(), SEGMENT_DELETED);
+    RECORD_MAP<unsigned short> map(segnum(), ELF_SEGMENT_DELETED);
     unsigned short kept = 0;
     for (unsigned short i = 0, n = segnum(); i < n; ++i) {
         if (is_deleted(i)) continue;
@@ -195,14 +181,13 @@ int ELF_SEGMENT_TABLE::purge_deleted_segments() {
 
 int ELF_SEGMENT_TABLE::purge_deleted_seg_objects() {
     int result = 0;
-    for (auto& s : segments_)
-        if (s) result |= s->purge_deleted_seg_objects();
+    for (auto& s : segments_) result |= s->purge_deleted_seg_objects();
     return result;
 }
 
 int ELF_SEGMENT_TABLE::update_translations(const RECORD_MAP<unsigned short>& map) {
     if (max_state(OF_STATE_LOCKED) != 0) return -1;
-    compose_translations(translations_, map, SEGMENT_DELETED);
+    compose_translations(translations_, map, ELF_SEGMENT_DELETED);
     section_map_valid_ = false;
     return 0;
 }
@@ -214,6 +199,8 @@ int ELF_SEGMENT_TABLE::patch_segment_refs() {
         for (SEG_OBJECT& o : s->objects_)
             if (o.type == SEG_OBJECT_SEGMENT && o.id < translations_.size())
                 o.id = translations_[o.id];
+    if (ELF_SEG_ATTR_TABLE* attributes = attribute_table())
+        attributes->update_segment_refs(translations_);
     translations_.clear();
     return 0;
 }
@@ -221,7 +208,6 @@ int ELF_SEGMENT_TABLE::patch_segment_refs() {
 int ELF_SEGMENT_TABLE::update_section_refs(const RECORD_MAP<unsigned>& map) {
     if (max_state(OF_STATE_LOCKED) != 0) return -1;
     for (auto& s : segments_) {
-        if (!s) continue;
         for (SEG_OBJECT& o : s->objects_)
             if (o.type == SEG_OBJECT_SECTION) o.id = o.id < map.size() ? map[o.id] : OF_DELETED;
         std::erase_if(s->objects_, [](const SEG_OBJECT& o) { return o.id == OF_DELETED; });
@@ -294,7 +280,7 @@ int ELF_SEGMENT_TABLE::calculate_segment_sizes() {
     return result;
 }
 
-unsigned ELF_SEGMENT_TABLE::format_segments(unsigned offset) {
+uint64_t ELF_SEGMENT_TABLE::format_segments(uint64_t offset) {
     if (max_state(OF_STATE_LOCKED) != 0 || segnum() == 0) return offset;
     if (segment_type(PT_PHDR, 0) && !phdr_in_load_)
         ofile()->set_error(OF_ERROR_WARNING, "a PT_PHDR segment exists, but it is not contained by "

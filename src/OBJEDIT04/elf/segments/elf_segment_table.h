@@ -7,11 +7,18 @@
 #include <memory>
 #include <vector>
 
+class FHM_FILE;
+class TEXT_TABLE;
+
 namespace OFE {
 
 class ELF_FILE;
+class ELF_SEG_ATTR_TABLE;
 class ELF_SEGMENT;
 class OF_SECTION;
+
+/// In translations of segment indices: the segment is gone.
+inline constexpr unsigned short ELF_SEGMENT_DELETED = 0xFFFF;
 
 class ELF_SEGMENT_TABLE final : public OF_STATE_MACHINE {
   public:
@@ -46,6 +53,9 @@ class ELF_SEGMENT_TABLE final : public OF_STATE_MACHINE {
     int update_section_refs(const RECORD_MAP<unsigned>& map);
     int patch_segment_refs();
 
+    void save_text(FHM_FILE* to);
+    void generate_text_info(TEXT_TABLE& table); // a heading and a row per segment
+
     unsigned min_load_align() const { return min_load_align_; }
     void set_min_load_align(unsigned align) { min_load_align_ = align; }
     unsigned file_offset() const { return file_offset_; }
@@ -53,17 +63,20 @@ class ELF_SEGMENT_TABLE final : public OF_STATE_MACHINE {
     bool phdr_in_load_segment() const { return phdr_in_load_; }
     void set_phdr_in_load_segment(bool on) { phdr_in_load_ = on; }
 
-    unsigned format_segments(unsigned offset); // bytes in the file; the next free offset
+    uint64_t format_segments(uint64_t offset); // bytes in the file; the next free offset
 
   private:
     friend class ELF_SEGMENT;
     int lock_segment_table();
     int lock_segment_ordering();
     int calculate_segment_sizes();
-    int load_segment_into_mem(unsigned short id);
+    ELF_SEG_ATTR_TABLE* attribute_table(); // null: the file has none
+    void make_segments();
+    void detect_segments();
+    void detect_sections();
     void map_sections();
 
-    std::vector<std::unique_ptr<ELF_SEGMENT>> segments_; // null: not made yet
+    std::vector<std::unique_ptr<ELF_SEGMENT>> segments_; // made all at once; see made_
     std::vector<std::unique_ptr<Elf32_Phdr>> headers_;
     RECORD_MAP<unsigned short> translations_;
     std::vector<bool> deleted_;
@@ -75,7 +88,7 @@ class ELF_SEGMENT_TABLE final : public OF_STATE_MACHINE {
     bool phdr_in_load_ = false;
     bool has_deleted_ = false;
     bool frozen_ = false;
-    bool from_file_ = false;
+    bool made_ = true; // false: read from a file, and nobody has asked for a segment yet
 };
 
 } // namespace OFE

@@ -2,7 +2,11 @@
 // again.
 #include <gtest/gtest.h>
 
+#include <cstring>
+#include <tuple>
+
 #include "../ofe_support.h"
+#include "OBJEDIT04/attributes/build_attr_table.h"
 #include "OBJEDIT04/elf/elf_reloc.h"
 #include "UTIL/file_handle_manager.h"
 
@@ -110,4 +114,101 @@ TEST(elf_edit, a_file_is_saved_over_itself_as_often_as_wanted) {
     by_name.reset();
     EXPECT_EQ(temp.bytes(), once);
     EXPECT_TRUE(errors.empty()) << errors[0].text;
+}
+
+TEST(elf_edit, a_section_0_that_is_none_gets_a_null_section_before_it) {
+    BYTES b = saved(*sample(OF_ENDIAN_LITTLE));
+    const unsigned shoff = read_u32(&b[32], false);
+    FILE_PTR f = read_file(b);
+    const unsigned data = f->section_table()->section_name(".data", 0)->id();
+    std::memcpy(&b[shoff], &b[shoff + 40 * data],
+                40); // ".data" once more, in the place of section 0
+    errors.clear();
+    f = read_file(b);
+    ASSERT_TRUE(f);
+    EXPECT_TRUE(errors.empty());
+    const unsigned sections = f->section_table()->scnnum();
+    ASSERT_EQ(f->set_state(OF_STATE_LOCKED), 0);
+    ASSERT_EQ(errors.size(), 1u);
+    EXPECT_EQ(errors[0].code, OF_ERROR_INTERNAL);
+    EXPECT_EQ(errors[0].text, "section 0 is not a NULL section");
+    FILE_PTR g = read_file(saved(*f));
+    ASSERT_TRUE(g);
+    EXPECT_EQ(g->section_table()->scnnum(), sections + 1);
+    EXPECT_STREQ(g->section_table()->section(0)->name(), "");
+    unsigned copies = 0;
+    for (unsigned i = 0; i < g->section_table()->scnnum(); ++i) {
+        OF_BYTES c = g->section_table()->section(i)->bytes();
+        copies += std::string(reinterpret_cast<const char*>(c.data), c.size) == "abcdefgh";
+    }
+    EXPECT_EQ(copies, 2u);
+    OF_SYMBOL* main = g->symbol_table()->symbol_name("main", 0);
+    ASSERT_TRUE(main && main->section());
+    EXPECT_STREQ(main->section()->name(), ".text.main");
+}
+
+// Values of symbols count from 0 in files of this vendor whose section symbols say so.
+TEST(elf_edit, a_section_symbol_that_is_not_at_0_tells_how_values_count) {
+    struct {
+        const char* vendor;
+        unsigned value;
+        bool scnrel;
+    } const CASES[] = {{"QV", 0, true}, {"QV", 0x100, false}, {"other", 0x100, true}};
+    for (const auto& c : CASES) {
+        FILE_PTR f = new_file();
+        OF_SECTION* data = add_section(*f, ".data", "abcd");
+        data->set_run_addr(0x100);
+        data->symbol()->set_value(c.value);
+        add_reloc(data, false, 2 + c.value, ABS32, data->symbol());
+        f->battr_create(c.vendor, 4)->val.uval = 1;
+        EXPECT_TRUE(f->values_are_scnrel());
+        FILE_PTR g = read_file(saved(*f));
+        ASSERT_TRUE(g);
+        EXPECT_EQ(g->values_are_scnrel(), c.scnrel) << c.vendor << c.value;
+        data = g->section_table()->section_name(".data", 0);
+        EXPECT_EQ(data->reloc_table(0)->reloc(0)->scnrel_offset(), c.scnrel ? 2u + c.value : 2u);
+    }
+}
+
+TEST(elf_edit, versions_of_dynamic_symbols_follow_them) {
+    FILE_PTR f = new_file();
+    OF_SECTION* data = add_section(*f, ".data", "abcd");
+    ELF_SECTION* dynsym = add_section(*f, ".dynsym", "");
+    ELF_SYMBOL_TABLE* table = dynsym->symbol_table_api();
+    for (const auto& [name, binding, version] : {std::tuple{"global", OF_SYM_BINDING_GLOBAL, 3u},
+                                                 {"local", OF_SYM_BINDING_LOCAL, 0u},
+                                                 {"weak", OF_SYM_BINDING_WEAK, 0x8002u}}) {
+        auto* s = static_cast<ELF_SYMBOL*>(table->new_symbol());
+        s->set_name(name);
+        s->set_section(data);
+        s->set_binding(binding);
+        s->set_version_index(version);
+    }
+    ELF_SECTION* versym = add_section(*f, ".gnu.version", "");
+    versym->set_sh_link(dynsym->id());
+    EXPECT_STREQ(versym->name(), ".ARM_versym");
+    FILE_PTR g = read_file(saved(*f));
+    ASSERT_TRUE(g);
+    for (int round = 0; round < 2; ++round) {
+        auto* read = static_cast<ELF_SYMBOL_TABLE*>(g->dynamic_symbol_table());
+        ASSERT_TRUE(read);
+        ASSERT_EQ(read->symnum(), 4u); // the null symbol and the local one come first
+        EXPECT_EQ(read->versym_table()->size(), 8u);
+        EXPECT_EQ(read->elf_symbol(1)->version_index(), 0u);
+        EXPECT_EQ(read->elf_symbol(2)->version_index(), 3u);
+        EXPECT_EQ(read->elf_symbol(3)->version_index(), 0x8002u);
+        g = read_file(saved(*g));
+        ASSERT_TRUE(g);
+    }
+    EXPECT_TRUE(errors.empty());
+}
+
+TEST(elf_edit, intermediate_code_is_a_section_of_that_name) {
+    FILE_PTR f = new_file();
+    add_section(*f, ".data", "abcd");
+    EXPECT_FALSE(read_file(saved(*f))->is_icode_present());
+    f = new_file();
+    add_section(*f, ".icode", "!<icode>");
+    EXPECT_TRUE(f->is_icode_present());
+    EXPECT_EQ(f->icode_flag(), ICODE_PRESENT);
 }
