@@ -29,8 +29,24 @@ const char* name_of(const LINKER_OBJECT* object) {
 
 } // namespace
 
+const LOCATOR::MORE LOCATOR::NOTHING_MORE;
+
+LOCATOR::LOCATOR(const LOCATOR& other)
+    : OALLOC<LOCATOR>(other),
+      kind_(other.kind_),
+      sub_items_unsorted_(other.sub_items_unsorted_),
+      flags_(other.flags_),
+      object_(other.object_),
+      align_(other.align_),
+      min_address_(other.min_address_),
+      address_(other.address_),
+      end_(other.end_),
+      range_(other.range_),
+      more_(other.more_ != nullptr ? std::make_unique<MORE>(*other.more_) : nullptr),
+      attempts_(other.attempts_) {}
+
 void LOCATOR::set_position(const SOURCE_POSITION* pos) {
-    if (pos != nullptr) position_ = new SOURCE_POSITION(*pos);
+    if (pos != nullptr) own_more().position = new SOURCE_POSITION(*pos);
 }
 
 void LOCATOR::report_conflict(const SOURCE_POSITION* pos) const {
@@ -42,7 +58,7 @@ void LOCATOR::report_conflict(const SOURCE_POSITION* pos) const {
 void LOCATOR::add_specific(uint64_t addr, const SOURCE_POSITION* pos) {
     if (has_flag(LF_SPECIFIC | LF_RANGES | LF_ATTRS | LF_HIGHEST)) report_conflict(pos);
     set_position(pos);
-    specific_ = addr;
+    own_more().specific = addr;
     set_flag(LF_SPECIFIC);
 }
 
@@ -50,21 +66,21 @@ void LOCATOR::add_ranges(const std::vector<const char*>& names, const SOURCE_POS
     if (names.empty()) return;
     if (has_flag(LF_SPECIFIC | LF_RANGES | LF_ATTRS)) report_conflict(pos);
     set_position(pos);
-    range_names_ = names;
+    own_more().range_names = names;
     set_flag(LF_RANGES);
 }
 
 void LOCATOR::add_attrs(uint32_t attrs, const SOURCE_POSITION* pos) {
     if (has_flag(LF_SPECIFIC | LF_RANGES | LF_ATTRS)) report_conflict(pos);
     set_position(pos);
-    attrs_ = attrs;
+    own_more().attrs = attrs;
     set_flag(LF_ATTRS);
 }
 
 void LOCATOR::add_page(int page, const SOURCE_POSITION* pos) {
     if (has_flag(LF_PAGE)) DIAG_REPORT_AT(pos, elnk_page_exists, name_of(object_));
     set_position(pos);
-    page_ = page;
+    own_more().page = page;
     set_flag(LF_PAGE);
 }
 
@@ -72,7 +88,7 @@ void LOCATOR::add_priority(uint32_t n, const SOURCE_POSITION* pos) {
     if (has_flag(LF_PRIORITY))
         DIAG_REPORT_AT(pos, elnk_priority_exists, diag_kind(), name_of(object_));
     set_position(pos);
-    priority_ = n;
+    own_more().priority = n;
     set_flag(LF_PRIORITY);
 }
 
@@ -94,7 +110,7 @@ void LOCATOR::add_block(uint64_t n, const SOURCE_POSITION* pos) {
         return;
     }
     set_position(pos);
-    block_ = n;
+    own_more().block = n;
     set_flag(LF_BLOCK);
 }
 
@@ -116,24 +132,24 @@ void LOCATOR::add_min_align(uint64_t n) {
 
 void LOCATOR::add_min_block(uint64_t n) {
     if (n < 2 || !is_power_of_two(n)) return;
-    block_ = std::max(block_, n);
+    if (n > blocking()) own_more().block = n;
     set_flag(LF_BLOCK);
 }
 
 void LOCATOR::merge(const LOCATOR* other) {
-    const SOURCE_POSITION* pos = other->position_;
-    if (other->has_flag(LF_SPECIFIC)) add_specific(other->specific_, pos);
-    if (other->has_flag(LF_RANGES)) add_ranges(other->range_names_, pos);
-    if (other->has_flag(LF_ATTRS)) add_attrs(other->attrs_, pos);
-    if (other->has_flag(LF_PAGE)) add_page(other->page_, pos);
-    if (other->has_flag(LF_PRIORITY)) add_priority(other->priority_, pos);
+    const SOURCE_POSITION* pos = other->position();
+    if (other->has_flag(LF_SPECIFIC)) add_specific(other->specific_address(), pos);
+    if (other->has_flag(LF_RANGES)) add_ranges(other->range_names(), pos);
+    if (other->has_flag(LF_ATTRS)) add_attrs(other->attrs(), pos);
+    if (other->has_flag(LF_PAGE)) add_page(other->page(), pos);
+    if (other->has_flag(LF_PRIORITY)) add_priority(other->priority(), pos);
     if (other->has_flag(LF_ALIGN)) {
         align_ = other->align_;
         set_flag(LF_ALIGN);
     }
     set_flag(other->flags_ & LF_PALIGN);
     if (other->has_flag(LF_BLOCK)) {
-        block_ = other->block_;
+        own_more().block = other->blocking();
         set_flag(LF_BLOCK);
     }
     set_flag(other->flags_ &
@@ -182,7 +198,7 @@ void LOCATOR::sort_by_address_rev(LOCATOR_LIST& list) {
 
 void LOCATOR::sort_late_sub_items() const {
     sub_items_unsorted_ = false;
-    sort_by_address(sub_items_);
+    sort_by_address(more_->sub_items);
 }
 
 // ---- rounding ---------------------------------------------------------------------------------
@@ -196,10 +212,10 @@ uint64_t LOCATOR::align(uint64_t addr, uint64_t n) const {
 }
 
 uint64_t LOCATOR::block(uint64_t addr, uint64_t size) const {
-    if (!has_flag(LF_BLOCK) || block_ < 2) return addr;
-    uint64_t next = round_up(addr, block_);
+    if (!has_flag(LF_BLOCK) || blocking() < 2) return addr;
+    uint64_t next = round_up(addr, blocking());
     bool crosses = size > next - addr;
-    return crosses || block_ <= size ? next : addr;
+    return crosses || blocking() <= size ? next : addr;
 }
 
 // The blocking test of this direction takes the alignment, not the blocking.

@@ -5,11 +5,17 @@
 // The data and the small operations live in this folder; the operations that search for room
 // (placement/), order requests (placement/order/) and lay out collections (placement/layout/) are
 // members too, as all of them work on these fields.
+//
+// There is at least one for each section of the program, so what a plain member of an output
+// section doesn't need (wishes, sub-items) hangs on it only where it is used.
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
+
+#include "UTIL/oalloc.h"
 
 class COLLECTION;
 class LINKER_OBJECT;
@@ -64,12 +70,14 @@ enum LOCATOR_FLAG : uint32_t {
 /// Locators in an order that matters.
 using LOCATOR_LIST = std::vector<LOCATOR*>;
 
-class LOCATOR {
+class LOCATOR : public OALLOC<LOCATOR> {
   public:
     static constexpr uint64_t no_limit = ~uint64_t{0};
 
     explicit LOCATOR(LOCATOR_KIND kind, LINKER_OBJECT* object = nullptr)
         : kind_(kind), object_(object) {}
+    LOCATOR(const LOCATOR& other);
+    LOCATOR& operator=(const LOCATOR&) = delete;
 
     // ---- wishes, as the command file and generators state them -------------------------------
     // Each takes the place in the command file, or null, and remembers it if given.
@@ -128,24 +136,28 @@ class LOCATOR {
     LINKER_OBJECT* object() const { return object_; }
     void set_object(LINKER_OBJECT* object) { object_ = object; }
     /// Where in the command file the last wish stands; null if nowhere.
-    const SOURCE_POSITION* position() const { return position_; }
+    const SOURCE_POSITION* position() const { return more().position; }
     void set_position(const SOURCE_POSITION* pos);
-    uint64_t specific_address() const { return specific_; }
-    void set_specific_address(uint64_t addr) { specific_ = addr; }
-    const std::vector<const char*>& range_names() const { return range_names_; }
-    uint32_t attrs() const { return attrs_; }
+    uint64_t specific_address() const { return more().specific; }
+    void set_specific_address(uint64_t addr) { own_more().specific = addr; }
+    const std::vector<const char*>& range_names() const { return more().range_names; }
+    uint32_t attrs() const { return more().attrs; }
     /// The page wished for; meaningful with LF_PAGE.
-    int page() const { return page_; }
+    int page() const { return more().page; }
     /// Units of the target; meaningful with LF_ALIGN, LF_BLOCK.
     uint64_t alignment() const { return align_; }
-    uint64_t blocking() const { return block_; }
+    uint64_t blocking() const { return more().block; }
     uint64_t min_address() const { return min_address_; }
-    uint64_t max_address() const { return max_address_; }
+    uint64_t max_address() const { return more().max_address; }
     void set_min_address(uint64_t addr) { min_address_ = addr; }
-    void set_max_address(uint64_t addr) { max_address_ = addr; }
-    uint32_t priority() const { return priority_; }
-    uint64_t available_space() const { return available_space_; }
-    void set_available_space(uint64_t n) { available_space_ = n; }
+    void set_max_address(uint64_t addr) {
+        if (addr != max_address()) own_more().max_address = addr;
+    }
+    uint32_t priority() const { return more().priority; }
+    uint64_t available_space() const { return more().available_space; }
+    void set_available_space(uint64_t n) {
+        if (n != available_space()) own_more().available_space = n;
+    }
     uint64_t address() const { return address_; }
     /// One past the last unit.
     uint64_t end_address() const { return end_; }
@@ -159,13 +171,17 @@ class LOCATOR {
     /// The locators of a collection's members, of this kind.
     const LOCATOR_LIST& sub_items() const {
         if (sub_items_unsorted_) sort_late_sub_items();
-        return sub_items_;
+        return more().sub_items;
     }
-    LOCATOR_LIST& sub_items() {
+    /// The same, to be changed.
+    LOCATOR_LIST& edit_sub_items() {
         if (sub_items_unsorted_) sort_late_sub_items();
-        return sub_items_;
+        return own_more().sub_items;
     }
-    const LOCATOR_LIST& pending_items() const { return pending_items_; }
+    void drop_sub_items() {
+        if (more_ != nullptr) more_->sub_items.clear();
+    }
+    const LOCATOR_LIST& pending_items() const { return more().pending_items; }
 
     // ---- questions --------------------------------------------------------------------------
 
@@ -185,7 +201,7 @@ class LOCATOR {
     /// The page on which the object goes if it has no wish of its own.
     int default_memory_page() const;
     /// The page wished for, else default_memory_page().
-    int effective_page() const { return has_flag(LF_PAGE) ? page_ : default_memory_page(); }
+    int effective_page() const { return has_flag(LF_PAGE) ? page() : default_memory_page(); }
     /// The address hull that a locator can reach; null: the hull of all ranges. max is one past.
     static void get_min_max(const LOCATOR* locator, uint64_t& min, uint64_t& max);
     /// "run ", "load " or "" for a locator of both kinds, as messages put it before a noun.
@@ -219,17 +235,25 @@ class LOCATOR {
     bool place_in_range_list(const std::vector<MEMORY_RANGE*>& list);
     /// Appends the ranges that this locator can be placed in, in map order.
     void available_mem_range(std::vector<MEMORY_RANGE*>& list);
-    /// First fit within one range. *needed (may be null): a failed attempt asks for the
-    /// consolidation of trampolines.
+    /// First fit within one range. *needed (may be null): false came early, because a reserved
+    /// trampoline bounds a large hole in which an attempt failed; it is to be moved.
     bool insert_into_range(MEMORY_RANGE* range, bool* needed = nullptr);
     /// insert_into_range of a member, with one retry after a consolidation.
-    static bool insert_with_retry(LOCATOR* sub, MEMORY_RANGE* range);
+    bool insert_with_retry(LOCATOR* sub, MEMORY_RANGE* range);
     /// Tries one hole; the trial range has the bounds of the hole.
     bool attempt_placement(MEMORY_RANGE* trial);
     /// Settles address and end in the trial by size, alignment, blocking and direction.
     bool fit_into_subrange(MEMORY_RANGE* trial);
     void commit(MEMORY_RANGE* range);
     void uncommit();
+    /// Reserves trampolines for the calls of an object that has just been placed and that may not
+    /// reach their callees. False: one found no room.
+    bool reserve_trampolines();
+    /// Lets calls to what has just been placed go direct where they reach it.
+    void prune_trampolines();
+    /// Moves the reserved trampolines of a range down behind what precedes them, and drops those
+    /// without callers; `final`: for the last time.
+    static void consolidate_trampolines(MEMORY_RANGE* range, bool final);
     /// Gives a VIRTUAL locator a range of its own at the address.
     void place_virtual(uint64_t addr);
     void fail_placement(const std::vector<MEMORY_RANGE*>& list, bool report);
@@ -250,7 +274,7 @@ class LOCATOR {
         return locator_priority_cmp(a, b) < 0;
     }
     static bool node_priority_less(const LOCATOR* a, const LOCATOR* b) {
-        return a->priority_ < b->priority_;
+        return a->priority() < b->priority();
     }
     static bool locator_debug_frame_align_greater(const LOCATOR* a, const LOCATOR* b);
 
@@ -277,9 +301,11 @@ class LOCATOR {
     void unreserve_space_for_padding(MEMORY_RANGE* trial);
     /// The placed items (pending ones too) with the lowest address and the highest end, or null.
     void subitem_extremities(LOCATOR*& lowest, LOCATOR*& highest) const;
-    void add_pending_item(LOCATOR* item) { pending_items_.push_back(item); }
-    bool has_pending_items() const { return !pending_items_.empty(); }
-    void clear_pending_items() { pending_items_.clear(); }
+    void add_pending_item(LOCATOR* item) { own_more().pending_items.push_back(item); }
+    bool has_pending_items() const { return !pending_items().empty(); }
+    void clear_pending_items() {
+        if (more_ != nullptr) more_->pending_items.clear();
+    }
     /// Generated objects of a tentative placement become members, now that it is final.
     void add_pending_items_to_object();
     void unreserve_pending_objects();
@@ -298,6 +324,26 @@ class LOCATOR {
     void reset_placement();
 
   private:
+    /// What a plain member of an output section doesn't have.
+    struct MORE {
+        const SOURCE_POSITION* position = nullptr;
+        uint64_t specific = 0;
+        std::vector<const char*> range_names;
+        uint32_t attrs = 15;
+        int page = 0;
+        uint64_t block = 0;
+        uint64_t max_address = no_limit;
+        uint32_t priority = 0;
+        uint64_t available_space = 0;
+        LOCATOR_LIST sub_items;
+        LOCATOR_LIST pending_items;
+    };
+    const MORE& more() const { return more_ != nullptr ? *more_ : NOTHING_MORE; }
+    MORE& own_more() {
+        if (more_ == nullptr) more_ = std::make_unique<MORE>();
+        return *more_;
+    }
+
     void report_conflict(const SOURCE_POSITION* pos) const;
     void sort_late_sub_items() const;
     void report_ignored_priority();
@@ -310,7 +356,8 @@ class LOCATOR {
 
     bool walk_holes(MEMORY_RANGE* range, MEMORY_RANGE* trial, uint64_t start, uint64_t final,
                     bool* needed);
-    bool search_holes(MEMORY_RANGE* range, MEMORY_RANGE* trial, uint64_t start, uint64_t final);
+    bool search_holes(MEMORY_RANGE* range, MEMORY_RANGE* trial, uint64_t start, uint64_t final,
+                      bool* needed);
     bool overlay_test_is_on();
     uint64_t smallest_hole();
     void prepare_collection();
@@ -318,6 +365,8 @@ class LOCATOR {
     void commit_final();
     void update_range(MEMORY_RANGE* range);
     void forget_placement();
+    void detach_call_sites();
+    void drop_trampolines();
     void set_split_failed_placement();
     void set_unsplit_failed_and_reset();
     bool insert_into_virtual_range(uint64_t addr);
@@ -332,25 +381,17 @@ class LOCATOR {
     void coalesce_item(LOCATOR* item);
     void bind_pad(LINKER_OBJECT* member, LOCATOR* run);
 
+    static const MORE NOTHING_MORE;
+
     LOCATOR_KIND kind_;
     mutable bool sub_items_unsorted_ = false; // place_subitem() appended out of address order
     uint32_t flags_ = 0;
     LINKER_OBJECT* object_;
-    const SOURCE_POSITION* position_ = nullptr;
-    uint64_t specific_ = 0;
-    std::vector<const char*> range_names_;
-    uint32_t attrs_ = 15;
-    int page_ = 0;
     uint64_t align_ = 0;
-    uint64_t block_ = 0;
     uint64_t min_address_ = 0;
-    uint64_t max_address_ = no_limit;
-    uint32_t priority_ = 0;
-    uint32_t attempts_ = 0;
-    uint64_t available_space_ = 0;
-    mutable LOCATOR_LIST sub_items_;
-    LOCATOR_LIST pending_items_;
     uint64_t address_ = 0;
     uint64_t end_ = 0;
     MEMORY_RANGE* range_ = nullptr;
+    std::unique_ptr<MORE> more_;
+    uint32_t attempts_ = 0;
 };

@@ -31,18 +31,18 @@ void join_hull(const MEMORY_RANGE* range, uint64_t& min, uint64_t& max, bool& an
 
 bool LOCATOR::match(const MEMORY_RANGE* range) const {
     if (range->page() != effective_page()) return false;
-    if (has_flag(LF_SPECIFIC)) return range->holds(specific_);
+    if (has_flag(LF_SPECIFIC)) return range->holds(specific_address());
     if (has_flag(LF_RANGES)) {
         auto same_name = [range](const char* name) { return strcmp(name, range->name()) == 0; };
-        if (std::none_of(range_names_.begin(), range_names_.end(), same_name)) return false;
+        if (std::none_of(range_names().begin(), range_names().end(), same_name)) return false;
     }
-    return !has_flag(LF_ATTRS) || (range->attrs() & attrs_) == attrs_;
+    return !has_flag(LF_ATTRS) || (range->attrs() & attrs()) == attrs();
 }
 
 bool LOCATOR::fits_in_range(MEMORY_RANGE* range) {
     if (!is_split()) return object_->est_size_min() <= range->unused();
-    if (sub_items_.empty()) extract_subitems();
-    return std::any_of(sub_items_.begin(), sub_items_.end(), [range](LOCATOR* sub) {
+    if (sub_items().empty()) extract_subitems();
+    return std::any_of(sub_items().begin(), sub_items().end(), [range](LOCATOR* sub) {
         return !sub->is_complete() && sub->fits_in_range(range);
     });
 }
@@ -58,11 +58,12 @@ unsigned LOCATOR::range_use_count() {
 }
 
 uint64_t LOCATOR::estimate_available_space() {
-    available_space_ = 0;
-    if (is_complete() || is_virtual() || !has_flag(LF_RANGES | LF_ATTRS)) return 0;
-    for (MEMORY_RANGE* range : *memory_map)
-        if (can_use_range(range)) available_space_ += range->unused();
-    return available_space_;
+    uint64_t sum = 0;
+    if (!is_complete() && !is_virtual() && has_flag(LF_RANGES | LF_ATTRS))
+        for (MEMORY_RANGE* range : *memory_map)
+            if (can_use_range(range)) sum += range->unused();
+    set_available_space(sum);
+    return sum;
 }
 
 uint64_t LOCATOR::available_space_in_contention(LOCATOR* other) {
@@ -84,11 +85,11 @@ int LOCATOR::default_memory_page() const {
     if (is_placed() && range_ != nullptr && range_->parent() == nullptr) return range_->page();
     if (!is_load()) {
         const LOCATOR* load = object_->load_locator();
-        if (load != nullptr && load->has_flag(LF_PAGE)) return load->page_;
+        if (load != nullptr && load->has_flag(LF_PAGE)) return load->page();
         return Target->abi()->default_memory_page(object_);
     }
     const LOCATOR* run = object_->run_locator();
-    if (run != nullptr && run->has_flag(LF_PAGE)) return run->page_;
+    if (run != nullptr && run->has_flag(LF_PAGE)) return run->page();
     LINKER_OBJECT* owner = object_;
     while (owner->is_collection() && owner->parent() != nullptr) owner = owner->parent();
     return Target->abi()->default_memory_page(owner);
@@ -98,7 +99,7 @@ void LOCATOR::get_min_max(const LOCATOR* locator, uint64_t& min, uint64_t& max) 
     min = 0;
     max = no_limit;
     if (locator != nullptr && locator->has_flag(LF_SPECIFIC)) {
-        min = locator->specific_;
+        min = locator->specific_address();
         const MEMORY_RANGE* range = memory_map->lookup_by_addr(min, locator->effective_page());
         if (range != nullptr) max = range->end();
         return;
@@ -147,25 +148,25 @@ std::string LOCATOR::text() const {
         out += strformat("%s0x%lx", label, static_cast<unsigned long>(n));
     };
     if (is_virtual()) out += "<VIRTUAL>";
-    if (has_flag(LF_SPECIFIC)) value("specific=", specific_);
+    if (has_flag(LF_SPECIFIC)) value("specific=", specific_address());
     if (has_flag(LF_RANGES)) {
         out += "ranges=(";
-        for (size_t i = 0; i < range_names_.size(); ++i) {
+        for (size_t i = 0; i < range_names().size(); ++i) {
             if (i != 0) out += ',';
-            out += range_names_[i];
+            out += range_names()[i];
         }
         out += ')';
     }
-    if (has_flag(LF_ATTRS)) out += strformat("attrs=(%s)", MEMORY_RANGE::attr_name(attrs_));
-    if (has_flag(LF_PAGE)) out += strformat(" page=%d", page_);
-    if (has_flag(LF_PRIORITY)) out += strformat(" priority=%u", priority_);
+    if (has_flag(LF_ATTRS)) out += strformat("attrs=(%s)", MEMORY_RANGE::attr_name(attrs()));
+    if (has_flag(LF_PAGE)) out += strformat(" page=%d", page());
+    if (has_flag(LF_PRIORITY)) out += strformat(" priority=%u", priority());
     if (has_flag(LF_ALIGN)) value(has_flag(LF_PALIGN) ? " palign=" : " align=", align_);
-    if (has_flag(LF_BLOCK)) value(" block=", block_);
+    if (has_flag(LF_BLOCK)) value(" block=", blocking());
     for (const FLAG_TEXT& row : FLAG_TEXTS)
         if (has_flag(row.flag)) out += row.text;
-    if (available_space_ != 0) value(" avail=", available_space_);
+    if (available_space() != 0) value(" avail=", available_space());
     if (min_address_ != 0) value(" min=", min_address_);
-    if (max_address_ != no_limit) value(" max=", max_address_);
+    if (max_address() != no_limit) value(" max=", max_address());
     if (is_placed()) {
         value("placed at address=", address_);
         out += strformat(" in %s\n", range_ ? range_->debug_name() : "<no range>");

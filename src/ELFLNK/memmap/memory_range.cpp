@@ -144,6 +144,7 @@ void MEMORY_RANGE::remove_item(LOCATOR* locator, bool is_subitem) {
 void MEMORY_RANGE::clear_contents() {
     if (!contents_.empty()) contents_.clear();
     if (!leaf_contents_.empty()) leaf_contents_.clear();
+    reserved_trampolines_ = 0;
     forget_holes();
     overlapped_ = false;
 }
@@ -178,7 +179,9 @@ void MEMORY_RANGE::forget_holes() const {
 void MEMORY_RANGE::enter(LOCATOR* locator) {
     std::size_t before = contents_.size();
     insert_ordered(contents_, locator);
-    if (contents_.size() == before || !holes_valid_) return;
+    if (contents_.size() == before) return;
+    if (locator->has_flag(LF_TRAMP_RES)) ++reserved_trampolines_;
+    if (!holes_valid_) return;
     if (overlapped_)
         forget_holes();
     else
@@ -200,6 +203,7 @@ void MEMORY_RANGE::leave(LOCATOR* locator) {
     auto at = contents_.find(locator);
     if (at == contents_.end()) return;
     contents_.erase(at);
+    if (locator->has_flag(LF_TRAMP_RES)) --reserved_trampolines_;
     if (!holes_valid_) return;
     const uint64_t start = locator->address();
     const uint64_t end = locator->end_address();

@@ -106,6 +106,8 @@ class MEMORY_RANGE {
     void clear_contents();
     LOCATOR* locator_for_address(uint64_t address) const;
     LOCATOR* leaf_locator_for_address(uint64_t address) const;
+    /// How many of the contents are reserved trampolines.
+    unsigned reserved_trampolines() const { return reserved_trampolines_; }
 
     // ---- free space ------------------------------------------------------------------------
     /// Free space, kept up to date.
@@ -157,6 +159,7 @@ class MEMORY_RANGE {
     MEMORY_RANGE* parent_ = nullptr;
     LOCATOR_SET contents_;
     LOCATOR_SET leaf_contents_;
+    unsigned reserved_trampolines_ = 0;
 
     // Derived from contents_: the holes, and the space that items cover. Made when first asked for.
     // While no two items overlap they follow each change; afterwards each change drops them.

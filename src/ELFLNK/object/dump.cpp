@@ -75,7 +75,7 @@ void LINKER_OBJECT::dump_properties(PPRINT* out) {
                     parent_->collection_kind_name());
     if (is_output_section_ || is_section())
         out->printf("is section  : %s\n", is_output_section_ ? "outsect" : "insect");
-    if (is_output_section_) dump_output_section(out, output_section_);
+    if (is_output_section_) dump_output_section(out, own_output_section());
     if (const uint32_t flags = qv_flags(); flags != 0) out->printf("qv flags    : 0x%x\n", flags);
     out->printf("finalized   : %s\n", finalized_ ? "true" : "false");
     if (alignment() >= 2) out->printf("alignment   : 0x%x\n", alignment());
@@ -84,12 +84,12 @@ void LINKER_OBJECT::dump_properties(PPRINT* out) {
     out->printf("rwx string  : %s\n", rwx_string());
     dump_locator(out, "locator     : ", run_locator_);
     dump_locator(out, "load locator: ", load_locator_);
-    dump_locator(out, "alternate run locator: ", alt_run_locator_);
+    dump_locator(out, "alternate run locator: ", alt_run_locator());
     if (fill_ != nullptr) out->printf("fill        : %s\n", fill_->str());
-    if (assignments_.empty()) return;
+    if (assignments().empty()) return;
     out->printf("symdefs     :\n");
     out->push("   ");
-    for (const EXPRESSION* expr : assignments_) expr->dump(out);
+    for (const EXPRESSION* expr : assignments()) expr->dump(out);
     out->pop();
 }
 

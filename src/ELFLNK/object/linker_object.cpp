@@ -3,6 +3,7 @@
 #include "ELFLNK/object/linker_object.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "DIAG/elnk_msgs.h"
 #include "DIAG/gen_msgs.h"
@@ -15,12 +16,15 @@
 #include "UTIL/savestr.h"
 
 uint32_t LINKER_OBJECT::obj_count_m = 0;
+const LINKER_OBJECT::MORE LINKER_OBJECT::NOTHING_MORE;
 
 LINKER_OBJECT::LINKER_OBJECT(const char* name, const SOURCE_POSITION* pos)
-    : name_(name), position_(pos), obj_id_(++obj_count_m) {}
+    : name_(name), obj_id_(++obj_count_m) {
+    if (pos != nullptr) own_more().position = SOURCE_POSITION(pos);
+}
 
 LINKER_OBJECT::~LINKER_OBJECT() {
-    delete padding_;
+    delete padding();
 }
 
 const char* attr_name(uint32_t attribute) {
@@ -102,9 +106,14 @@ bool LINKER_OBJECT::load_placement_is_complete() const {
     return locator != nullptr && locator->is_complete();
 }
 
+void LINKER_OBJECT::clear_locators() {
+    run_locator_ = load_locator_ = nullptr;
+    if (more_ != nullptr) more_->alt_run_locator = nullptr;
+}
+
 void LINKER_OBJECT::add_locator(LOCATOR* locator) {
     if (locator == nullptr) {
-        run_locator_ = load_locator_ = alt_run_locator_ = nullptr;
+        clear_locators();
         return;
     }
     switch (locator->kind()) {
@@ -119,13 +128,17 @@ void LINKER_OBJECT::add_locator(LOCATOR* locator) {
         load_locator_ = nullptr;
         break;
     case LOCATOR_KIND::RUN_ALT:
-        alt_run_locator_ = locator;
+        own_more().alt_run_locator = locator;
         break;
     default:
-        run_locator_ = load_locator_ = alt_run_locator_ = nullptr;
+        clear_locators();
         break;
     }
     locator->set_object(this);
+}
+
+LOCATOR* LINKER_OBJECT::take_load_locator() {
+    return std::exchange(load_locator_, nullptr);
 }
 
 bool LINKER_OBJECT::can_be_part_of_load_segment() const {
@@ -160,7 +173,7 @@ LINKER_OBJECT* LINKER_OBJECT::outsect_object() const {
 
 OFE::OF_SECTION* LINKER_OBJECT::output_OF_SECTION() const {
     const LINKER_OBJECT* outsect = outsect_object();
-    return outsect != nullptr ? outsect->output_section_ : nullptr;
+    return outsect != nullptr ? outsect->own_output_section() : nullptr;
 }
 
 void LINKER_OBJECT::set_output_OF_SECTION(OFE::OF_SECTION* section) {
@@ -168,7 +181,7 @@ void LINKER_OBJECT::set_output_OF_SECTION(OFE::OF_SECTION* section) {
         DIAG_REPORT(elnk_lobj_not_outsect, name());
         return;
     }
-    output_section_ = section;
+    own_more().output_section = section;
     root_collection->map_output(section, this);
 }
 
@@ -177,8 +190,9 @@ void LINKER_OBJECT::clear_output_OF_SECTION() {
         DIAG_REPORT(elnk_lobj_not_outsect, name());
         return;
     }
-    if (output_section_ != nullptr) root_collection->unmap_output(output_section_);
-    output_section_ = nullptr;
+    if (own_output_section() == nullptr) return;
+    root_collection->unmap_output(own_output_section());
+    own_more().output_section = nullptr;
 }
 
 // ---- fill, assignments, pads ---------------------------------------------------------------
@@ -194,7 +208,7 @@ void LINKER_OBJECT::add_fill(FILL_SPEC* fill, const SOURCE_POSITION* pos) {
 }
 
 void LINKER_OBJECT::add_assignment(EXPRESSION* expr, bool user) {
-    assignments_.push_back(expr);
+    own_more().assignments.push_back(expr);
     get_expr_mgr()->add_assignment(expr, this, user);
 }
 
@@ -205,24 +219,41 @@ void LINKER_OBJECT::add_linker_assignment(EXPRESSION* expr) {
 
 void LINKER_OBJECT::add_linker_assignment(const char* symbol, EXPRESSION* value,
                                           EXPR_SYM_BINDING binding) {
-    auto* left = new EXPRESSION(EXPR_OP_SYMBOL, symbol, binding, &position_);
-    add_linker_assignment(new EXPRESSION(EXPR_OP_ASSIGN, left, value, &position_));
+    auto* left = new EXPRESSION(EXPR_OP_SYMBOL, symbol, binding, &source_position());
+    add_linker_assignment(new EXPRESSION(EXPR_OP_ASSIGN, left, value, &source_position()));
+}
+
+void LINKER_OBJECT::move_assignment(EXPRESSION* expr, LINKER_OBJECT* to) {
+    std::erase(own_more().assignments, expr);
+    to->own_more().assignments.push_back(expr);
+    get_expr_mgr()->move_assignment(expr, to);
 }
 
 void LINKER_OBJECT::remove_assignment(EXPRESSION* expr) {
     if (!expr->is_assignment()) return;
     get_expr_mgr()->remove_assignment(expr);
-    std::erase(assignments_, expr);
+    if (more_ != nullptr) std::erase(more_->assignments, expr);
+}
+
+void LINKER_OBJECT::take_assignments(LINKER_OBJECT* from) {
+    if (from->assignments().empty()) return;
+    auto& mine = own_more().assignments;
+    auto& theirs = from->own_more().assignments;
+    mine.insert(mine.end(), theirs.begin(), theirs.end());
+    theirs.clear();
+    get_expr_mgr()->move_assignments(from, this);
 }
 
 void LINKER_OBJECT::attach_padding(LINKER_OBJECT* pad) {
-    padding_ = pad;
+    own_more().padding = pad;
     set_attr(PA_PADDED);
 }
 
 void LINKER_OBJECT::detach_padding() {
-    delete padding_;
-    padding_ = nullptr;
+    if (more_ != nullptr) {
+        delete more_->padding;
+        more_->padding = nullptr;
+    }
     clear_attr(PA_PADDED);
 }
 

@@ -4,11 +4,15 @@
 // All objects hang in one tree under root_collection. The command file builds the upper tree,
 // collect() hangs the input sections in it, placement gives addresses through the object's
 // LOCATORs, build and write walk the same tree. Objects live to the end of the link.
+//
+// Most objects are input sections, of which there may be hundreds of thousands: what few objects
+// have (a place in a command file, assignments, an output section) hangs on those that have it.
 #pragma once
 
 #include <cstdint>
 #include <functional>
 #include <list>
+#include <memory>
 #include <vector>
 
 #include "DIAG/source_position.h"
@@ -110,8 +114,8 @@ class LINKER_OBJECT {
     const char* name() const { return name_ != nullptr ? name_ : make_name(); }
     /// The text isn't copied. Keeps the root's index of output sections right.
     void set_name(const char* name);
-    const SOURCE_POSITION& source_position() const { return position_; }
-    void set_source_position(const SOURCE_POSITION& pos) { position_ = pos; }
+    const SOURCE_POSITION& source_position() const { return more().position; }
+    void set_source_position(const SOURCE_POSITION& pos) { own_more().position = pos; }
     COLLECTION* parent() const { return parent_; }
     uint32_t id() const { return obj_id_; }
 
@@ -129,9 +133,11 @@ class LINKER_OBJECT {
     // ---- placement -------------------------------------------------------------------------
     LOCATOR* run_locator() const { return run_locator_; }
     LOCATOR* load_locator() const { return load_locator_; }
-    LOCATOR* alt_run_locator() const { return alt_run_locator_; }
+    LOCATOR* alt_run_locator() const { return more().alt_run_locator; }
     /// Enters the locator in the slot of its kind; null clears all three slots.
     void add_locator(LOCATOR* locator);
+    /// Empties the slot of the load locator and hands out what was in it.
+    LOCATOR* take_load_locator();
     bool is_placed() const;
     bool is_complete() const { return run_placement_is_complete(); }
     bool run_placement_is_complete() const;
@@ -139,6 +145,8 @@ class LINKER_OBJECT {
 
     // ---- position in the tree --------------------------------------------------------------
     bool contains(const LINKER_OBJECT* obj) const;
+    /// Counts as below the collection, which will take it as a member when its placement is final.
+    void adopt_by(COLLECTION* parent) { parent_ = parent; }
     bool has_common_parent(const LINKER_OBJECT* obj) const {
         return parent_ != nullptr && parent_ == obj->parent_;
     }
@@ -155,13 +163,17 @@ class LINKER_OBJECT {
     FILL_SPEC* fill() const { return fill_; }
     void add_fill(FILL_SPEC* fill, const SOURCE_POSITION* pos = nullptr);
     void override_fill(FILL_SPEC* fill) { fill_ = fill; }
-    const std::vector<EXPRESSION*>& assignments() const { return assignments_; }
+    const std::vector<EXPRESSION*>& assignments() const { return more().assignments; }
     void add_user_assignment(EXPRESSION* expr) { add_assignment(expr, true); }
     void add_assignment(EXPRESSION* expr, bool user);
     void add_linker_assignment(EXPRESSION* expr);
     void add_linker_assignment(const char* symbol, EXPRESSION* value, EXPR_SYM_BINDING binding);
     void remove_assignment(EXPRESSION* expr);
-    LINKER_OBJECT* padding() const { return padding_; }
+    /// The assignment goes over to another object.
+    void move_assignment(EXPRESSION* expr, LINKER_OBJECT* to);
+    /// Takes over the assignments of an object that this one replaces.
+    void take_assignments(LINKER_OBJECT* from);
+    LINKER_OBJECT* padding() const { return more().padding; }
     void attach_padding(LINKER_OBJECT* pad);
     /// Deletes the pad.
     void detach_padding();
@@ -203,23 +215,36 @@ class LINKER_OBJECT {
     /// The object stands for no memory: addresses and pages are 0.
     bool carries_no_address() const;
     void keep_name(const char* name) const { name_ = name; }
-    OFE::OF_SECTION* own_output_section() const { return output_section_; }
+    OFE::OF_SECTION* own_output_section() const { return more().output_section; }
 
   private:
     friend class COLLECTION;
     friend class ROOT_COLLECTION;
 
+    void clear_locators();
+
+    /// What few objects have.
+    struct MORE {
+        SOURCE_POSITION position;
+        LOCATOR* alt_run_locator = nullptr;
+        LINKER_OBJECT* padding = nullptr;
+        std::vector<EXPRESSION*> assignments;
+        OFE::OF_SECTION* output_section = nullptr;
+    };
+    static const MORE NOTHING_MORE;
+    const MORE& more() const { return more_ != nullptr ? *more_ : NOTHING_MORE; }
+    MORE& own_more() {
+        if (more_ == nullptr) more_ = std::make_unique<MORE>();
+        return *more_;
+    }
+
     mutable const char* name_;
-    SOURCE_POSITION position_;
     COLLECTION* parent_ = nullptr;
     MEMBER_LIST::iterator member_position_; // in parent_'s members; meaningful with a parent only
     LOCATOR* run_locator_ = nullptr;
     LOCATOR* load_locator_ = nullptr;
-    LOCATOR* alt_run_locator_ = nullptr;
-    LINKER_OBJECT* padding_ = nullptr;
     FILL_SPEC* fill_ = nullptr;
-    std::vector<EXPRESSION*> assignments_;
-    OFE::OF_SECTION* output_section_ = nullptr;
+    std::unique_ptr<MORE> more_;
     uint32_t attrs_ = PA_HAS_DATA | PA_ALLOCATED | PA_READ;
     uint32_t obj_id_;
     bool is_output_section_ : 1 = false;

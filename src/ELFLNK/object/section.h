@@ -5,13 +5,14 @@
 #pragma once
 
 #include "ELFLNK/object/linker_object.h"
+#include "UTIL/oalloc.h"
 
 namespace OFE {
 class OF_SECTION;
 } // namespace OFE
 class OBJ_FILE;
 
-class SECTION : public LINKER_OBJECT {
+class SECTION : public LINKER_OBJECT, public OALLOC<SECTION> {
   public:
     static constexpr uint32_t NO_FILE_ID = ~0U;
 
@@ -59,17 +60,19 @@ class SECTION : public LINKER_OBJECT {
 
   protected:
     const char* make_name() const override;
+    /// The input file that a generated section is shown with.
+    void set_object_file(OBJ_FILE* file) { file_ = file; }
 
   private:
     void set_elf_scn_attributes();
 
+    bool relocated_ = false;
+    uint32_t preferred_priority_ = 0;
     OBJ_FILE* file_ = nullptr;
     OFE::OF_SECTION* section_ = nullptr;
     CALL_INFO* call_info_ = nullptr;
     const char* original_name_ = "";
     uint32_t embedded_file_id_ = NO_FILE_ID;
-    uint32_t preferred_priority_ = 0;
-    bool relocated_ = false;
 };
 
 inline SECTION* as_section(LINKER_OBJECT* obj) {

@@ -124,7 +124,7 @@ LOCATOR* copy_for_member(const LOCATOR* enclosing, const LOCATOR* own) {
     auto* copy = new LOCATOR(*enclosing);
     copy->set_kind(LOCATOR_KIND::BOTH);
     copy->clear_flag(LAYOUT);
-    copy->sub_items().clear();
+    copy->drop_sub_items();
     copy->clear_pending_items();
     if (own == nullptr) return copy;
     copy->set_flag(own->flags() & (LAYOUT & ~uint32_t{LF_BLOCK}));
@@ -193,14 +193,14 @@ void settle_load(ANALYSIS& a) {
     require_load(a);
 }
 
+} // namespace
+
 void enter_worklist(LOCATOR* locator) {
     locator->analyze();
     const LINKER_OBJECT* object = locator->object();
     unsigned phase = object->has_attr(PA_P3_PLACEMENT) ? 2 : object->has_attr(PA_P2_PLACEMENT);
     placement_state().worklist[phase].push_back(locator);
 }
-
-} // namespace
 
 void analyze_object(LINKER_OBJECT* object, LOCATOR* enclosing_run, LOCATOR* enclosing_load) {
     COLLECTION* collection = as_collection(object);

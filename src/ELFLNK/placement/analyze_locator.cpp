@@ -42,7 +42,7 @@ void LOCATOR::analyze() {
         if (is_virtual()) {
             clear_flag(LF_HIGHEST);
         } else if (has_flag(LF_SPECIFIC)) {
-            DIAG_REPORT_AT(position_, elnk_place_ignore_high_for_specific, object_->name());
+            DIAG_REPORT_AT(position(), elnk_place_ignore_high_for_specific, object_->name());
             clear_flag(LF_HIGHEST);
         }
     }
@@ -76,11 +76,12 @@ void LOCATOR::analyze_collection(COLLECTION* collection) {
 
 void LOCATOR::report_ignored_priority() {
     if (has_flag(LF_SPECIFIC))
-        DIAG_REPORT_AT(position_, elnk_priority_specific, diag_kind(), priority_, object_->name());
+        DIAG_REPORT_AT(position(), elnk_priority_specific, diag_kind(), priority(),
+                       object_->name());
     else if (has_flag(LF_LAST))
-        DIAG_REPORT_AT(position_, elnk_priority_last, diag_kind(), priority_, object_->name());
+        DIAG_REPORT_AT(position(), elnk_priority_last, diag_kind(), priority(), object_->name());
     else
-        DIAG_REPORT_AT(position_, elnk_priority_highest, diag_kind(), priority_, object_->name());
+        DIAG_REPORT_AT(position(), elnk_priority_highest, diag_kind(), priority(), object_->name());
 }
 
 void LOCATOR::analyze_priority() {
@@ -102,28 +103,28 @@ bool LOCATOR::split_is_ignored() {
     COLLECTION* collection = as_collection(object_);
     const char* symbol = nullptr;
     if (!Target->abi()->splitting_permitted(this)) {
-        DIAG_REPORT_AT(position_, elnk_place_ignore_split_general, name, diag_kind());
+        DIAG_REPORT_AT(position(), elnk_place_ignore_split_general, name, diag_kind());
     } else if (has_flag(LF_SPECIFIC)) {
-        DIAG_REPORT_AT(position_, elnk_place_ignore_split_for_specific, name);
+        DIAG_REPORT_AT(position(), elnk_place_ignore_split_for_specific, name);
     } else if (is_overlay()) {
-        DIAG_REPORT_AT(position_, elnk_place_ignore_split_for_overlay, name);
+        DIAG_REPORT_AT(position(), elnk_place_ignore_split_for_overlay, name);
     } else if (collection != nullptr && collection->has_member(is_dot_expression)) {
-        DIAG_REPORT_AT(position_, elnk_place_ignore_split_for_dot_expr, name);
+        DIAG_REPORT_AT(position(), elnk_place_ignore_split_for_dot_expr, name);
     } else if (symdef_inhibits_splitting(&symbol)) {
-        DIAG_REPORT_AT(position_, elnk_place_ignore_split_contig, name, symbol);
+        DIAG_REPORT_AT(position(), elnk_place_ignore_split_contig, name, symbol);
     } else if (has_flag(LF_PALIGN | LF_POWER2)) {
-        DIAG_REPORT_AT(position_, elnk_place_ignore_split_palign, name);
+        DIAG_REPORT_AT(position(), elnk_place_ignore_split_palign, name);
     } else if (is_highest()) {
-        DIAG_REPORT_AT(position_, elnk_place_ignore_split_high, name);
+        DIAG_REPORT_AT(position(), elnk_place_ignore_split_high, name);
     } else if (object_->is_exidx()) {
-        DIAG_REPORT_AT(position_, elnk_place_ignore_split_EH, name);
+        DIAG_REPORT_AT(position(), elnk_place_ignore_split_EH, name);
     } else if (object_->has_attr(PA_P2_PLACEMENT | PA_P3_PLACEMENT) || object_->is_ecc_section()) {
         std::vector<LINKER_OBJECT*> late;
         if (collection != nullptr) collection->find_all_non_p1_member_outsects(late);
         if (late.empty())
-            DIAG_REPORT_AT(position_, elnk_place_ignore_split_general, name, diag_kind());
+            DIAG_REPORT_AT(position(), elnk_place_ignore_split_general, name, diag_kind());
         else
-            DIAG_REPORT_AT(position_, elnk_place_ignore_split_non_p1, name, join_names(late));
+            DIAG_REPORT_AT(position(), elnk_place_ignore_split_non_p1, name, join_names(late));
     } else {
         return collection == nullptr || collection->members().empty();
     }
@@ -134,16 +135,16 @@ bool LOCATOR::split_is_ignored() {
 void LOCATOR::add_mem_for_bound_object() {
     uint64_t size = object_->size();
     int wanted_page = effective_page();
-    if (memory_map->fits_in_a_range(specific_, size, wanted_page)) return;
-    if (const MEMORY_RANGE* other = memory_map->intersects(specific_, size, wanted_page)) {
-        DIAG_REPORT_AT(position_, elnk_bound_scn_intersects_memrng_boundary, object_->name(),
+    if (memory_map->fits_in_a_range(specific_address(), size, wanted_page)) return;
+    if (const MEMORY_RANGE* other = memory_map->intersects(specific_address(), size, wanted_page)) {
+        DIAG_REPORT_AT(position(), elnk_bound_scn_intersects_memrng_boundary, object_->name(),
                        other->name());
         return;
     }
-    const char* name = savestrf("$BOUND$0x%lx", static_cast<unsigned long>(specific_));
+    const char* name = savestrf("$BOUND$0x%lx", static_cast<unsigned long>(specific_address()));
     memory_map->add(new MEMORY_RANGE(
-        name, specific_, size, MEMORY_RANGE::ATTR_R | MEMORY_RANGE::ATTR_I | MEMORY_RANGE::ATTR_X,
-        wanted_page));
+        name, specific_address(), size,
+        MEMORY_RANGE::ATTR_R | MEMORY_RANGE::ATTR_I | MEMORY_RANGE::ATTR_X, wanted_page));
     if (global_opts->isopt(OPT_warn_sections))
-        DIAG_REPORT_AT(position_, elnk_unspec_memrng_created_for_bound_scn, name, object_->name());
+        DIAG_REPORT_AT(position(), elnk_unspec_memrng_created_for_bound_scn, name, object_->name());
 }

@@ -38,7 +38,7 @@ uint64_t LOCATOR::largest_hole(MEMORY_RANGE* range) {
 std::string LOCATOR::failure_text(const std::vector<MEMORY_RANGE*>& list) {
     if (has_flag(LF_SPECIFIC)) {
         for (MEMORY_RANGE* range : list) {
-            LOCATOR* other = range->locator_for_address(specific_);
+            LOCATOR* other = range->locator_for_address(specific_address());
             if (other == nullptr) continue;
             return strformat(", overlaps with \"%s\", size 0x%lx (page %d)\n",
                              other->object_->name(),
@@ -59,7 +59,7 @@ std::string LOCATOR::failure_text(const std::vector<MEMORY_RANGE*>& list) {
 void LOCATOR::report_failure(const std::vector<MEMORY_RANGE*>& list) {
     if (std::all_of(list.begin(), list.end(), [](auto* range) { return range->is_hidden(); })) {
         const char* with_attrs = has_flag(LF_ATTRS) ? " with matching attributes" : "";
-        DIAG_REPORT_AT(position_, elnk_place_no_range, with_attrs, object_->name());
+        DIAG_REPORT_AT(position(), elnk_place_no_range, with_attrs, object_->name());
         return;
     }
     const COLLECTION* parent = object_->parent();
@@ -71,7 +71,7 @@ void LOCATOR::report_failure(const std::vector<MEMORY_RANGE*>& list) {
                                                         : "with alignment ";
     std::string page;
     if (Target->abi()->supports_memory_pages()) page = strformat("page %d", effective_page());
-    DIAG_REPORT_AT(position_, elnk_place_failed, diag_kind(), with, object_->name(),
+    DIAG_REPORT_AT(position(), elnk_place_failed, diag_kind(), with, object_->name(),
                    object_->size(), page, failure_text(list));
 }
 
@@ -102,6 +102,10 @@ void LOCATOR::set_split_failed_placement() {
 }
 
 void LOCATOR::set_unsplit_failed_and_reset() {
+    if (is_run_or_both()) {
+        drop_trampolines();
+        detach_call_sites();
+    }
     clear_flag(LF_PLACED | LF_COMPLETE | LF_PRE_PLACED);
     set_flag(LF_SPLIT_FAILED);
     range_ = nullptr;

@@ -15,6 +15,7 @@
 #include "ELFLNK/placement/order/worklist.h"
 #include "ELFLNK/placement/placement.h"
 #include "ELFLNK/target/target.h"
+#include "OPTIONGEN/option_obj.h"
 
 namespace {
 
@@ -22,6 +23,30 @@ namespace {
 /// object of size 0.
 bool hole_counts(uint64_t begin, uint64_t end, bool zero_size) {
     return begin < end || (begin == end && zero_size);
+}
+
+/// Is a hole of the length worth the moving of the reserved trampoline that bounds it?
+bool consolidation_needed(uint64_t gap, const LOCATOR* bound) {
+    constexpr uint64_t LARGE_GAP = 1024;
+    return gap > LARGE_GAP && bound->has_flag(LF_TRAMP_RES);
+}
+
+/// The reserved trampoline that ends a large hole between `from` and `to`, if there is one. Such
+/// holes were passed over as too small, so there are few.
+bool passes_large_gap(const MEMORY_RANGE* range, uint64_t from, uint64_t to, bool down) {
+    if (range->reserved_trampolines() == 0) return false;
+    constexpr uint64_t LARGE_HOLE = 1025;
+    HOLE hole;
+    while (from < to && (down ? range->last_hole(from, to, LARGE_HOLE, &hole)
+                              : range->first_hole(from, to, LARGE_HOLE, 1, &hole))) {
+        auto bound = range->contents().lower_bound(down ? hole.start : hole.end);
+        const bool is_bounded =
+            down ? bound != range->contents().begin() : bound != range->contents().end();
+        if (is_bounded && consolidation_needed(hole.length(), down ? *--bound : *bound))
+            return true;
+        (down ? to : from) = down ? hole.start : hole.end;
+    }
+    return false;
 }
 
 bool overlays_members(const LINKER_OBJECT* object) {
@@ -52,7 +77,7 @@ bool LOCATOR::insert_into_range(MEMORY_RANGE* range, bool* needed) {
 
     MEMORY_RANGE trial(range);
     uint64_t low = std::max(range->origin(), min_address_);
-    uint64_t high = std::min(range->end(), max_address_);
+    uint64_t high = std::min(range->end(), max_address());
     if (low > high) return false;
     uint64_t start = is_highest() ? high : low;
     uint64_t final = is_highest() ? low : high;
@@ -72,16 +97,21 @@ bool LOCATOR::insert_into_range(MEMORY_RANGE* range, bool* needed) {
     bool every_attempt_counts = has_flag(LF_ONE_ATTEMPT | LF_POWER2) || object_->size() == 0;
     if (every_attempt_counts || overlay_test_is_on())
         return walk_holes(range, &trial, start, final, needed);
-    return search_holes(range, &trial, start, final);
+    return search_holes(range, &trial, start, final, needed);
 }
 
 bool LOCATOR::insert_with_retry(LOCATOR* sub, MEMORY_RANGE* range) {
+    if (global_opts->isopt(OPT_disable_early_consolidation)) return sub->insert_into_range(range);
+    bool needed = false;
+    if (sub->insert_into_range(range, &needed)) return true;
+    if (!needed) return false;
+    consolidate_trampolines(range, false);
     return sub->insert_into_range(range);
 }
 
 /// The plain walk over the contents, with the skipping of items that may be overlaid.
 bool LOCATOR::walk_holes(MEMORY_RANGE* range, MEMORY_RANGE* trial, uint64_t start, uint64_t final,
-                         bool* /*needed*/) {
+                         bool* needed) {
     bool overlay_test = overlay_test_is_on();
     bool zero_size = object_->size() == 0;
     bool down = is_highest();
@@ -90,28 +120,28 @@ bool LOCATOR::walk_holes(MEMORY_RANGE* range, MEMORY_RANGE* trial, uint64_t star
         trial->set_subrange_endpoints(begin, end);
         return attempt_placement(trial);
     };
+    enum OUTCOME { NEXT, PLACED, CONSOLIDATE };
     auto pass = [&](LOCATOR* item) {
-        if (overlay_test && may_overlay(item)) return false;
-        if (down) {
-            uint64_t begin = std::max(item->end_, min_address_);
-            if (try_hole(begin, start, zero_size)) return true;
-            start = std::min(start, item->address_);
-        } else {
-            uint64_t end = std::min(item->address_, max_address_);
-            if (try_hole(start, end, zero_size)) return true;
-            start = std::max(start, item->end_);
-        }
-        return false;
+        if (overlay_test && may_overlay(item)) return NEXT;
+        const uint64_t begin = down ? std::max(item->end_, min_address_) : start;
+        const uint64_t end = down ? start : std::min(item->address_, max_address());
+        if (try_hole(begin, end, zero_size)) return PLACED;
+        if (needed != nullptr && begin < end && consolidation_needed(end - begin, item))
+            return CONSOLIDATE;
+        start = down ? std::min(start, item->address_) : std::max(start, item->end_);
+        return NEXT;
     };
     const auto& contents = range->contents();
-    if (down) {
-        for (auto it = contents.rbegin(); it != contents.rend(); ++it)
-            if (pass(*it)) return true;
-        return try_hole(final, start, true);
-    }
-    for (LOCATOR* item : contents)
-        if (pass(item)) return true;
-    return try_hole(start, final, true);
+    OUTCOME outcome = NEXT;
+    if (down)
+        for (auto it = contents.rbegin(); outcome == NEXT && it != contents.rend(); ++it)
+            outcome = pass(*it);
+    else
+        for (auto it = contents.begin(); outcome == NEXT && it != contents.end(); ++it)
+            outcome = pass(*it);
+    if (outcome == CONSOLIDATE) *needed = true;
+    if (outcome != NEXT) return outcome == PLACED;
+    return down ? try_hole(final, start, true) : try_hole(start, final, true);
 }
 
 /// The least length of a hole in which an attempt can succeed.
@@ -123,32 +153,44 @@ uint64_t LOCATOR::smallest_hole() {
 }
 
 /// The same search by the index of holes: one step per hole in which an attempt may succeed.
-bool LOCATOR::search_holes(MEMORY_RANGE* range, MEMORY_RANGE* trial, uint64_t start,
-                           uint64_t final) {
+bool LOCATOR::search_holes(MEMORY_RANGE* range, MEMORY_RANGE* trial, uint64_t start, uint64_t final,
+                           bool* needed) {
     auto try_hole = [&](const HOLE& hole) {
         trial->set_subrange_endpoints(hole.start, hole.end);
         return attempt_placement(trial);
     };
+    /// Holes of [from, to) that the search has left behind would have been failed attempts.
+    auto must_consolidate = [&](uint64_t from, uint64_t to) {
+        if (needed == nullptr || !passes_large_gap(range, from, to, is_highest())) return false;
+        *needed = true;
+        return true;
+    };
     HOLE hole;
     if (has_flag(LF_SPECIFIC)) {
         // Only the hole around the address is tried, and only its part from there on counts.
-        start = std::max(start, specific_);
-        return range->first_hole(start, final, 1, 1, &hole) && hole.start == specific_ &&
+        start = std::max(start, specific_address());
+        return range->first_hole(start, final, 1, 1, &hole) && hole.start == specific_address() &&
                try_hole(hole);
     }
     uint64_t length = smallest_hole();
     if (is_highest()) {
         while (range->last_hole(final, start, length, &hole)) {
+            if (must_consolidate(hole.end, start)) return false;
             if (try_hole(hole)) return true;
+            if (must_consolidate(hole.start, hole.end)) return false;
             start = hole.start;
         }
+        must_consolidate(final, start);
         return false;
     }
     uint64_t alignment = has_flag(LF_ALIGN) && align_ >= 2 && !is_split() ? align_ : 1;
     while (range->first_hole(start, final, length, alignment, &hole)) {
+        if (must_consolidate(start, hole.start)) return false;
         if (try_hole(hole)) return true;
+        if (must_consolidate(hole.start, hole.end)) return false;
         start = hole.end;
     }
+    must_consolidate(start, final);
     return false;
 }
 
@@ -156,14 +198,14 @@ bool LOCATOR::search_holes(MEMORY_RANGE* range, MEMORY_RANGE* trial, uint64_t st
 bool LOCATOR::settle_start(MEMORY_RANGE* trial) {
     uint64_t start = trial->origin();
     if (has_flag(LF_SPECIFIC)) {
-        start = specific_;
+        start = specific_address();
         set_flag(LF_SPECIFIC_TRIED);
         if (align(start) != start)
-            DIAG_REPORT_AT(position_, elnk_place_specific_override_align, start, align_,
+            DIAG_REPORT_AT(position(), elnk_place_specific_override_align, start, align_,
                            object_->name());
     } else {
         start = align(start);
-        if (has_flag(LF_BLOCK) && block_ >= 2) start = block(start, object_->size());
+        if (has_flag(LF_BLOCK) && blocking() >= 2) start = block(start, object_->size());
         if (start < trial->origin()) return false;
     }
     if (start > trial->end()) return false;
@@ -173,17 +215,17 @@ bool LOCATOR::settle_start(MEMORY_RANGE* trial) {
 
 /// Sub-items exist and stand in their order.
 void LOCATOR::prepare_collection() {
-    if (sub_items_.empty()) extract_subitems();
+    if (sub_items().empty()) extract_subitems();
     if (attempts_ <= 1) sort_subitems();
 }
 
 bool LOCATOR::attempt_placement(MEMORY_RANGE* trial) {
-    if (has_flag(LF_SPECIFIC) && !trial->holds(specific_)) return false;
+    if (has_flag(LF_SPECIFIC) && !trial->holds(specific_address())) return false;
     if (has_flag(LF_POWER2)) pre_place_p2align();
     if (!trial->is_temp_layout()) ++attempts_;
     if (attempts_ > 1 && has_flag(LF_ONE_ATTEMPT)) return false;
     trial->clear_contents();
-    clear_pending_items();
+    if (!is_split()) clear_pending_items(); // a split one keeps those of the holes before
 
     COLLECTION* collection = object_->is_collection() ? static_cast<COLLECTION*>(object_) : nullptr;
     if (collection != nullptr) prepare_collection();
@@ -195,17 +237,32 @@ bool LOCATOR::attempt_placement(MEMORY_RANGE* trial) {
     if (collection == nullptr) {
         if (!fit_into_subrange(trial)) return false;
         commit(trial->parent());
+        if (!reserve_trampolines()) {
+            uncommit();
+            return false;
+        }
+        prune_trampolines();
         return true;
     }
     return collection->layout_locator() != nullptr ? place_duplicate(trial)
                                                    : place_collection(trial);
 }
 
+/// Holes shorter than this are filled with reserved trampolines from the low end.
+static uint64_t trampoline_spacing() {
+    constexpr uint64_t DEFAULT_SPACING = 16384;
+    return global_opts->isopt(OPT_trampoline_min_spacing)
+               ? global_opts->getnumarg(OPT_trampoline_min_spacing)
+               : DEFAULT_SPACING;
+}
+
 bool LOCATOR::fit_into_subrange(MEMORY_RANGE* trial) {
     uint64_t size = object_->size();
     if (size > trial->length()) return false;
     uint64_t start = trial->origin();
-    if (is_highest()) start = std::max(start, align_down(trial->end() - size, size));
+    // Reserved trampolines gather at the top of large holes and leave small ones whole.
+    const bool low_end = has_flag(LF_TRAMP_RES) && trial->length() < trampoline_spacing();
+    if (is_highest() && !low_end) start = std::max(start, align_down(trial->end() - size, size));
     set_extent(start, start + size);
     return true;
 }
@@ -214,8 +271,9 @@ bool LOCATOR::fit_into_subrange(MEMORY_RANGE* trial) {
 
 void LOCATOR::update_range(MEMORY_RANGE* range) {
     range_ = range;
-    for (LOCATOR* sub : sub_items_) sub->update_range(range);
-    for (LOCATOR* item : pending_items_) item->update_range(range);
+    for (LOCATOR* sub : sub_items()) sub->update_range(range);
+    for (LOCATOR* item : pending_items())
+        if (item->is_placed()) item->update_range(range);
 }
 
 void LOCATOR::commit(MEMORY_RANGE* range) {
@@ -225,14 +283,14 @@ void LOCATOR::commit(MEMORY_RANGE* range) {
     update_range(range);
     set_flag(LF_PLACED | LF_COMPLETE);
     if (range->parent() != nullptr) return;
-    if (!range->is_temp_layout()) add_pending_items_to_object();
+    add_pending_items_to_object();
     commit_final();
 }
 
 /// The placement stands: the objects learn of it, members first.
 void LOCATOR::commit_final() {
-    sort_by_address(sub_items());
-    for (LOCATOR* sub : sub_items_) sub->commit_final();
+    if (more_ != nullptr) sort_by_address(more_->sub_items);
+    for (LOCATOR* sub : sub_items()) sub->commit_final();
     object_->update_upon_placement();
 }
 
@@ -240,9 +298,10 @@ void LOCATOR::commit_final() {
 void LOCATOR::forget_placement() {
     range_ = nullptr;
     clear_flag(LF_PLACED | LF_COMPLETE);
-    for (LOCATOR* sub : sub_items_) sub->forget_placement();
+    for (LOCATOR* sub : sub_items()) sub->forget_placement();
     if (is_run_or_both()) {
         clear_pending_items();
+        detach_call_sites();
         if (object_->padding() != nullptr) object_->detach_padding();
     }
 }
@@ -251,7 +310,7 @@ void LOCATOR::uncommit() {
     if (is_placed()) {
         if (range_ != nullptr) range_->remove_item(this, false);
     } else {
-        for (LOCATOR* sub : sub_items_)
+        for (LOCATOR* sub : sub_items())
             if (sub->is_placed()) sub->uncommit();
     }
     forget_placement();

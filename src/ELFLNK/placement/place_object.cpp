@@ -87,22 +87,22 @@ void LOCATOR::place_object() {
 }
 
 void LOCATOR::place_specific() {
-    MEMORY_RANGE* range = memory_map->lookup_by_addr(specific_, effective_page());
+    MEMORY_RANGE* range = memory_map->lookup_by_addr(specific_address(), effective_page());
     if (range != nullptr && alias_target(range) != range && is_run_or_both() &&
         !has_flag(LF_ALIAS_MOVED)) {
-        specific_ += range->alias()->origin() - range->origin();
+        set_specific_address(specific_address() + (range->alias()->origin() - range->origin()));
         set_flag(LF_ALIAS_MOVED);
     }
     if (is_virtual()) {
-        place_virtual(specific_);
+        place_virtual(specific_address());
         return;
     }
     if (!has_flag(LF_PAGE)) report_ambiguous_page(object_);
-    range = memory_map->lookup_by_addr(specific_, effective_page());
+    range = memory_map->lookup_by_addr(specific_address(), effective_page());
     const bool is_outside = range == nullptr || range->is_hidden();
     if (is_outside) {
-        DIAG_REPORT_AT(position_, elnk_place_specific_out_of_range);
-        range = make_range_outside(effective_page(), specific_);
+        DIAG_REPORT_AT(position(), elnk_place_specific_out_of_range);
+        range = make_range_outside(effective_page(), specific_address());
         clear_flag(LF_SPLIT | LF_HIGHEST);
         set_flag(LF_ONE_ATTEMPT);
     }
@@ -119,12 +119,12 @@ void LOCATOR::place_by_named_range() {
     }
     std::vector<MEMORY_RANGE*> list;
     int wanted_page = effective_page();
-    for (const char* name : range_names_) {
+    for (const char* name : range_names()) {
         MEMORY_RANGE* range = memory_map->lookup_by_name(name, wanted_page);
         if (range != nullptr)
             list.push_back(range);
         else
-            report_unknown_range(name, wanted_page, position_);
+            report_unknown_range(name, wanted_page, position());
     }
     if (!place_in_range_list(list)) fail_placement(list, true);
 }
@@ -158,7 +158,7 @@ bool LOCATOR::place_in_range_list(const std::vector<MEMORY_RANGE*>& list) {
     for (MEMORY_RANGE* range : list) {
         MEMORY_RANGE* target = alias_target(range);
         if (is_virtual()) {
-            place_virtual(is_highest() ? std::min(target->end(), max_address_)
+            place_virtual(is_highest() ? std::min(target->end(), max_address())
                                        : std::max(target->origin(), min_address_));
             return true;
         }

@@ -22,6 +22,9 @@ void placement();
 /// that takes this object along.
 void analyze_object(LINKER_OBJECT* object, LOCATOR* enclosing_run, LOCATOR* enclosing_load);
 
+/// Enters a locator that stands on its own in the worklist of its object's phase.
+void enter_worklist(LOCATOR* locator);
+
 /// Places all locators of a worklist, first the one that has the least room to go elsewhere; the
 /// list is empty afterwards.
 void place_worklist(LOCATOR_LIST& list);

@@ -22,7 +22,7 @@ a.o link.cmd -o out.elf --unused_section_elimination=off --map_file=out.map
 --- exit
 1
 --- stderr has
-fails for section ".text" size 0xb0
+fails for section ".text" size 0xb1
 A            size: 0x40
 B            size: 0x70
 --- no-file out.elf

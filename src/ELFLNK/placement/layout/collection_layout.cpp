@@ -44,7 +44,9 @@ bool takes_no_memory_of(const LINKER_OBJECT* member, const LINKER_OBJECT* collec
 
 void LOCATOR::extract_subitems() {
     COLLECTION* collection = as_collection(object_);
-    if (collection == nullptr || !sub_items_.empty()) return;
+    if (collection == nullptr || !sub_items().empty()) return;
+    LOCATOR_LIST& items = edit_sub_items();
+    items.reserve(collection->members().size());
     for (LINKER_OBJECT* member : collection->members()) {
         if (is_load() && is_split() && !member->has_attr(PA_HAS_DATA)) continue;
         LOCATOR* sub = locator_of_kind(member, kind_);
@@ -63,13 +65,13 @@ void LOCATOR::extract_subitems() {
         sub->set_flag(flags_ & (LF_VIRTUAL | LF_BEHIND_LAST));
         if (no_memory) sub->set_flag(LF_VIRTUAL);
         sub->analyze();
-        sub_items_.push_back(sub);
+        items.push_back(sub);
     }
 }
 
 void LOCATOR::sort_subitems() {
     if (is_ordered() && !(is_load() && object_->run_placement_is_complete())) return;
-    sort_worklist(sub_items(), false);
+    sort_worklist(edit_sub_items(), false);
 }
 
 void LOCATOR::subitem_extremities(LOCATOR*& lowest, LOCATOR*& highest) const {
@@ -79,9 +81,9 @@ void LOCATOR::subitem_extremities(LOCATOR*& lowest, LOCATOR*& highest) const {
         if (lowest == nullptr || item->address_ < lowest->address_) lowest = item;
         if (highest == nullptr || item->end_ > highest->end_) highest = item;
     };
-    for (LOCATOR* sub : sub_items_)
+    for (LOCATOR* sub : sub_items())
         if (!stands_aside(sub)) look_at(sub);
-    for (LOCATOR* item : pending_items_) look_at(item);
+    for (LOCATOR* item : pending_items()) look_at(item);
 }
 
 // ---- the first placement ----------------------------------------------------------------------
@@ -107,7 +109,7 @@ bool LOCATOR::place_member(LOCATOR* sub, MEMORY_RANGE* trial, uint64_t& cursor) 
         if (trial->is_temp_layout()) return lay_out_aside(sub);
         uint64_t place = cursor;
         if (is_overlay()) place = std::max(trial->origin(), min_address_);
-        if (is_highest()) place = std::min(trial->end(), max_address_);
+        if (is_highest()) place = std::min(trial->end(), max_address());
         sub->place_virtual(place);
         return true;
     }
@@ -120,6 +122,7 @@ bool LOCATOR::place_members(MEMORY_RANGE* trial) {
     uint64_t cursor = trial->origin();
     for (LOCATOR* sub : sub_items())
         if (!place_member(sub, trial, cursor)) return false;
+    consolidate_trampolines(trial, true);
     if (!add_padding_to_subitems(trial)) return false;
     set_collection_endpoints();
     if (has_flag(LF_SPECIFIC_TRIED)) address_ = trial->origin();

@@ -38,7 +38,7 @@ void LOCATOR::unreserve_space_for_padding(MEMORY_RANGE* trial) {
 
 bool LOCATOR::add_padding_to_subitems(MEMORY_RANGE* trial) {
     if (has_flag(LF_SPLIT_FAILED) || !is_run_or_both() || !object_->is_output_section() ||
-        sub_items_.empty())
+        sub_items().empty())
         return true;
     // Nothing to add: the usual case, and no reason to look at the members.
     if (Target->abi()->pad_size(this) == 0 && Target->required_alignment(object_) < 2) return true;
@@ -54,7 +54,7 @@ bool LOCATOR::add_padding_to_subitems(MEMORY_RANGE* trial) {
         subitem_extremities(lowest, highest);
         if (highest != nullptr && !add_padding_to_one_subitem(highest, trial->end())) return false;
     }
-    sort_worklist(sub_items(), false);
+    sort_worklist(edit_sub_items(), false);
     return true;
 }
 
@@ -90,7 +90,7 @@ LINKER_OBJECT* LOCATOR::create_padding_object(LOCATOR* item, uint64_t size) {
         auto* pad_load = new LOCATOR(LOCATOR_KIND::LOAD, pad);
         pad_load->merge(load);
         pad->add_locator(pad_load);
-        load->sub_items_.clear();
+        load->drop_sub_items();
     }
     return pad;
 }
@@ -102,20 +102,20 @@ void LOCATOR::add_pending_items_to_object() {
     if (collection == nullptr) return;
     for (LOCATOR* sub : sub_items()) sub->add_pending_items_to_object();
     LOCATOR* load = object_->load_locator();
-    for (LOCATOR* item : pending_items_) {
-        if (!item->object_->is_placed()) continue;
+    for (LOCATOR* item : pending_items()) {
+        if (!item->is_placed()) continue; // dropped since it was made
         collection->add_member(item->object_, false);
-        sub_items_.push_back(item);
+        edit_sub_items().push_back(item);
         LOCATOR* item_load = item->object_->load_locator();
-        if (item_load != nullptr && load != nullptr && !load->sub_items_.empty())
-            load->sub_items_.push_back(item_load);
+        if (item_load != nullptr && load != nullptr && !load->sub_items().empty())
+            load->edit_sub_items().push_back(item_load);
     }
     clear_pending_items();
 }
 
 /// Takes what is pending out of its range again.
 void LOCATOR::unreserve_pending_objects() {
-    for (LOCATOR* item : pending_items_) item->uncommit();
+    for (LOCATOR* item : pending_items()) item->uncommit();
     clear_pending_items();
 }
 
@@ -129,7 +129,7 @@ void LOCATOR::bind_padding_to_subobjects() {
         const LINKER_OBJECT* pad = member->padding();
         if (pad != nullptr && member->is_placed() && pad->is_placed()) bind_pad(member, run);
     }
-    sub_items_.clear();
+    drop_sub_items();
 }
 
 /// Member and pad become one GROUP that a split of the load image can't part.
@@ -141,7 +141,7 @@ void LOCATOR::bind_pad(LINKER_OBJECT* member, LOCATOR* run) {
     MEMORY_RANGE* range = first->range_;
     auto* group = new COLLECTION(member->name(), COLLECTION_GROUP);
     for (LINKER_OBJECT* part : {member, pad}) {
-        std::erase(run->sub_items(), part->run_locator());
+        std::erase(run->edit_sub_items(), part->run_locator());
         if (range != nullptr) range->remove_item(part->run_locator(), false);
         collection->remove_member(part);
         group->add_member(part);
@@ -149,16 +149,16 @@ void LOCATOR::bind_pad(LINKER_OBJECT* member, LOCATOR* run) {
     group->set_attr(PA_NOSPLIT);
     collection->add_member(group);
     auto* bound = new LOCATOR(*first);
-    bound->sub_items_.clear();
+    bound->drop_sub_items();
     bound->set_extent(first->address_, second->end_);
     group->add_locator(bound);
     if (const LOCATOR* load = member->load_locator()) {
         auto* bound_load = new LOCATOR(*load);
-        bound_load->sub_items_.clear();
+        bound_load->drop_sub_items();
         group->add_locator(bound_load);
     }
     bound->extract_subitems();
-    run->sub_items().push_back(bound);
+    run->edit_sub_items().push_back(bound);
     if (range != nullptr) range->add_item(bound, false);
 }
 
@@ -170,8 +170,9 @@ void LOCATOR::place_subitem(LINKER_OBJECT* object, uint64_t start, uint64_t end)
     item->set_flag(LF_PLACED | LF_COMPLETE);
     item->range_ = range_;
     object->add_locator(item);
-    if (!sub_items_.empty() && less_by_address(item, sub_items_.back())) sub_items_unsorted_ = true;
-    sub_items_.push_back(item);
+    LOCATOR_LIST& items = own_more().sub_items;
+    if (!items.empty() && less_by_address(item, items.back())) sub_items_unsorted_ = true;
+    items.push_back(item);
 }
 
 bool LOCATOR::place_hole(LINKER_OBJECT* object, uint64_t start, uint64_t end) {
@@ -182,9 +183,9 @@ bool LOCATOR::place_hole(LINKER_OBJECT* object, uint64_t start, uint64_t end) {
 
 bool LOCATOR::commit_specific_fill_sect() {
     if (!has_flag(LF_SPECIFIC) || !object_->is_collection()) return false;
-    MEMORY_RANGE* range = memory_map->lookup_by_addr(specific_, effective_page());
+    MEMORY_RANGE* range = memory_map->lookup_by_addr(specific_address(), effective_page());
     if (range == nullptr) return false;
     MEMORY_RANGE trial(range);
-    trial.set_subrange_endpoints(specific_, specific_ + object_->size());
+    trial.set_subrange_endpoints(specific_address(), specific_address() + object_->size());
     return attempt_placement(&trial);
 }

@@ -36,6 +36,7 @@ bool LOCATOR::place_split_collection(MEMORY_RANGE* trial) {
     bool pads = is_run_or_both();
     if (pads && !reserve_space_for_padding(trial)) return false;
     bool all = place_split_members(trial);
+    consolidate_trampolines(trial, true);
     if (pads) unreserve_space_for_padding(trial);
     if (trial->contents().empty()) return false;
 
@@ -49,18 +50,18 @@ bool LOCATOR::place_split_collection(MEMORY_RANGE* trial) {
 
 /// The hole is cut into windows that stay within one block.
 bool LOCATOR::place_blocked_split_collection(MEMORY_RANGE* trial) {
-    if (block_ == 0) return place_split_collection(trial);
+    if (blocking() == 0) return place_split_collection(trial);
     uint64_t end = trial->end();
     uint64_t start = align(trial->origin());
     uint64_t window_end = start;
     while (start >= trial->origin() && start < end) {
-        uint64_t boundary = window_end - window_end % block_ + block_;
+        uint64_t boundary = window_end - window_end % blocking() + blocking();
         window_end = boundary < window_end ? end : std::min(boundary, end);
         MEMORY_RANGE window(trial->parent());
         window.set_subrange_endpoints(start, window_end);
         clear_flag(LF_SPLIT_PLACED);
         if (place_split_collection(&window)) return true;
-        if (has_flag(LF_SPLIT_PLACED) || start % block_ != 0) start = window_end;
+        if (has_flag(LF_SPLIT_PLACED) || start % blocking() != 0) start = window_end;
         if (window_end == end) break;
     }
     return false;
@@ -87,7 +88,7 @@ void LOCATOR::coalesce_item(LOCATOR* item) {
     item->extract_subitems();
     item->set_collection_endpoints();
     const LOCATOR* placed = nullptr;
-    for (const LOCATOR* part : item->sub_items_)
+    for (const LOCATOR* part : item->sub_items())
         if (part->is_placed()) placed = part;
     if (placed == nullptr) return;
     item->range_ = placed->range_;
@@ -98,15 +99,15 @@ void LOCATOR::coalesce_item(LOCATOR* item) {
 void LOCATOR::coalesce() {
     bool was_whole = is_placed() && !is_split();
     if (was_whole && range_ != nullptr) range_->remove_item(this, false);
-    sub_items_.clear();
+    drop_sub_items();
     set_flag(LF_ORDERED);
     extract_subitems();
-    for (LOCATOR* item : sub_items_) {
+    for (LOCATOR* item : sub_items()) {
         coalesce_item(item);
         if (!item->is_placed() || item->range_ == nullptr || item->range_->parent() != nullptr)
             continue;
         if (!was_whole)
-            for (LOCATOR* part : item->sub_items_) item->range_->remove_item(part, false);
+            for (LOCATOR* part : item->sub_items()) item->range_->remove_item(part, false);
         item->range_->add_item(item, false);
     }
 }

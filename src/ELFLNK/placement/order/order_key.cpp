@@ -72,7 +72,6 @@ ORDER_KEY ORDER_CONTEXT::key_of(LOCATOR* locator) {
     LINKER_OBJECT* object = locator->object();
     key.object = object;
     key.parent = object->parent();
-    key.size = object->size();
     key.specific = locator->has_flag(LF_SPECIFIC);
     key.run_first = locator->is_run_or_both();
     if (object->is_section()) {
@@ -97,6 +96,8 @@ ORDER_KEY ORDER_CONTEXT::key_of(LOCATOR* locator) {
         if (key.contends && by_range)
             for (uint32_t i : usable) key.available += unused_[i];
     }
+    // Asked for after the ranges: the pads of what is split count, and are known now.
+    key.size = object->size();
     locator->set_available_space(key.available);
     return key;
 }

@@ -446,7 +446,7 @@ class SPLIT_TEST : public TREE_TEST {
             locator->set_range(&range_);
             range_.add_item(locator);
             s->add_locator(locator);
-            run->sub_items().push_back(locator);
+            run->edit_sub_items().push_back(locator);
             c->add_member(s);
         }
         return c;
