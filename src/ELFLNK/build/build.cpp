@@ -9,10 +9,13 @@
 
 #include "DIAG/elnk_msgs.h"
 #include "ELFLNK/build/build_state.h"
+#include "ELFLNK/exidx/exidx.h"
 #include "ELFLNK/file/file_manager.h"
 #include "ELFLNK/file/obj_file.h"
 #include "ELFLNK/object/root_collection.h"
 #include "ELFLNK/object/section.h"
+#include "ELFLNK/crc/crc_table.h"
+#include "ELFLNK/table/copy_table_db.h"
 #include "ELFLNK/target/abi.h"
 #include "ELFLNK/target/target.h"
 #include "ELFLNK/write/outsym_attr_manager.h"
@@ -181,6 +184,8 @@ void originate() {
     Target->abi()->default_allocation();
     Target->abi()->define_link_time_constants();
     Target->abi()->dynamic_object_originate();
+    global_copy_table_db->originate();
+    global_crc_table_db->originate();
     trace_orig.printf("\n\nROOT COLLECTION (AFTER ORIGINATE):\n\n");
 }
 
@@ -194,6 +199,7 @@ void build() {
     finalize_objects();
     report_readonly_violations();
     if (is_partial_link()) copy_group_members();
+    EXIDX::update_sh_links();
     set_entry_point();
     if (has_program_headers()) create_program_headers();
     Target->finalize_output_file();

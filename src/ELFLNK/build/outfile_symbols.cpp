@@ -18,8 +18,10 @@
 #include "ELFLNK/object/section.h"
 #include "ELFLNK/object/symbol_object.h"
 #include "ELFLNK/symbol/symbol_table.h"
+#include "ELFLNK/symbol/undefined_report.h"
 #include "ELFLNK/target/abi.h"
 #include "ELFLNK/target/target.h"
+#include "ELFLNK/trampoline/trampoline.h"
 #include "OBJEDIT04/machine/reloc_type.h"
 #include "OBJEDIT04/ofe/object_file.h"
 #include "OBJEDIT04/ofe/of_reloc.h"
@@ -30,7 +32,6 @@
 #include "OBJEDIT04/ofe/of_symbol_table.h"
 #include "OF_RELENG/releng.h"
 #include "OPTIONGEN/option_obj.h"
-#include "UTIL/text_table.h"
 #include "UTIL/trace.h"
 
 using namespace OFE;
@@ -45,7 +46,7 @@ struct INPUT_REF {
 
 std::vector<INPUT_REF> input_refs;                  // by output symbol id at the time of copying
 std::vector<std::vector<OF_SYMBOL*>> local_outputs; // by file id, then symbol id
-std::vector<OF_SYMBOL*> undefined_symbols;
+std::vector<UNDEFINED_SYMBOL> undefined_symbols;
 bool final_call_done = false;
 
 void remember_input(OF_SYMBOL* output, OF_SYMBOL_TABLE* table, unsigned id) {
@@ -184,7 +185,7 @@ void copy_symbols_of(OBJECT_FILE* file, bool prebuild) {
         OF_SYMBOL* symbol = table->loaded_symbol(id);
         if (!symbol) {
             if (!table->raw_symbol(id, raw) || !is_copied(raw.kind)) continue;
-            if (raw.binding == OF_SYM_BINDING_LOCAL || raw.binding == OF_SYM_BINDING_NONE) {
+            if (raw.binding == OF_SYM_BINDING_LOCAL) {
                 copy_local(file, table, raw, prebuild);
                 continue;
             }
@@ -265,7 +266,7 @@ bool is_default_entry_point(OF_SYMBOL* s) {
 }
 
 // Whether an undefined symbol stays in the output; what may not stay is kept for the report.
-bool accept_undefined(OF_SYMBOL* s) {
+bool accept_undefined(OF_SYMBOL* s, SECTION* referrer) {
     if (s->binding() == OF_SYM_BINDING_WEAK || may_be_bound_at_run_time(s)) return true;
     bool ignore =
         global_opts->isopt(OPT_ignore_undef_syms) && global_opts->not_off(OPT_ignore_undef_syms);
@@ -275,23 +276,20 @@ bool accept_undefined(OF_SYMBOL* s) {
     }
     if (Target->ignore_undef_sym(s)) return false;
     if (ignore || is_partial_link()) return true;
-    undefined_symbols.push_back(s);
+    undefined_symbols.push_back({s, referrer});
     return false;
 }
 
 class UNDEFINED_PASS {
   public:
-    void reference(OF_SYMBOL* s) {
-        if (!s || s->kind() != OF_SYM_KIND_UNDEFINED) return;
-        if (s->binding() != OF_SYM_BINDING_GLOBAL && s->binding() != OF_SYM_BINDING_WEAK) return;
-        if (!seen_.insert(s).second || s->final()) return;
-        global_symbols.link_undef(s);
-        OF_SYMBOL* now = s->resolved_by_final();
-        if (now != s) return reference(now);
-        if (accept_undefined(s)) copy_symbol(s->symbol_table(), s, true);
+    /// A reference from a root of the link.
+    void root(OF_SYMBOL* s) {
+        referrer_ = nullptr;
+        reference(s);
     }
 
     void references_of(SECTION* object) {
+        referrer_ = object;
         OF_SECTION* section = object->OF_SECTION_api();
         if (!section) return;
         OBJECT_FILE* file = section->ofile();
@@ -310,6 +308,16 @@ class UNDEFINED_PASS {
     }
 
   private:
+    void reference(OF_SYMBOL* s) {
+        if (!s || s->kind() != OF_SYM_KIND_UNDEFINED) return;
+        if (s->binding() != OF_SYM_BINDING_GLOBAL && s->binding() != OF_SYM_BINDING_WEAK) return;
+        if (!seen_.insert(s).second || s->final()) return;
+        global_symbols.link_undef(s);
+        OF_SYMBOL* now = s->resolved_by_final();
+        if (now != s) return reference(now);
+        if (accept_undefined(s, referrer_)) copy_symbol(s->symbol_table(), s, true);
+    }
+
     void references_of(const OF_RAW_RELOCS& relocs) {
         OF_SYMBOL_TABLE* symbols = relocs.symbols();
         if (!symbols || relocs.size() == 0) return;
@@ -324,34 +332,11 @@ class UNDEFINED_PASS {
         }
     }
 
+    SECTION* referrer_ = nullptr;
     OBJECT_FILE* file_ = nullptr;
     std::vector<bool> visited_;
     std::unordered_set<OF_SYMBOL*> seen_;
 };
-
-void report_undefined_symbols() {
-    if (undefined_symbols.empty()) return;
-    std::sort(undefined_symbols.begin(), undefined_symbols.end(), OF_SYMBOL::less_than_symname);
-    TEXT_TABLE table;
-    table.set_indent(1);
-    table.set_padding(1);
-    table.set_string(0, 0, "undefined");
-    table.set_string(1, 0, " symbol  ");
-    table.set_string(2, 0, "---------");
-    table.set_string(0, 1, "first referenced");
-    table.set_string(1, 1, "    in file     ");
-    table.set_string(2, 1, "----------------");
-    for (OF_SYMBOL* symbol : undefined_symbols) {
-        Target->report_undef_symbol(symbol);
-        int row = table.append_rows();
-        table.set_string(row, 0, global_symbols.diag_sym_name(symbol->name()));
-        table.set_string(row, 1, symbol_file_name(symbol));
-    }
-    fputc('\n', stderr);
-    table.print(stderr);
-    fputc('\n', stderr);
-    DIAG_REPORT(elnk_symref_errors);
-}
 
 } // namespace
 
@@ -361,7 +346,7 @@ void copy_undefined_symbols() {
     root_collection->list_sections(sections);
     for (SECTION* section : sections) pass.references_of(section);
     for (OF_SYMBOL* symbol : global_symbols.entry_symbols())
-        pass.reference(SYMBOL_TABLE::resolution(symbol));
+        pass.root(SYMBOL_TABLE::resolution(symbol));
 }
 
 void check_imports() {
@@ -380,10 +365,11 @@ void create_outfile_components(bool prebuild) {
     trace_build.printf("\nCREATE OUTFILE SYMBOLS\n");
     if (!prebuild) drop_unlinked_absolute_symbols();
     copy_symbols(prebuild);
+    create_jump_entry_symbols(!prebuild);
     if (!prebuild) {
         copy_undefined_symbols();
         check_imports();
-        report_undefined_symbols();
+        report_undefined_symbols(undefined_symbols);
     }
     Target->abi()->define_static_base_symbol(true);
     trace_build.printf("\nUPDATE LINKER SYMBOLS\n");

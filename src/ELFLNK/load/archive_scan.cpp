@@ -296,10 +296,10 @@ void report_multiple_definitions() {
         const bool from_archive = file && file->archive();
         size_t count = it->second.size();
         if (from_archive && count < 2) continue;
-        std::string places = "\n";
+        std::string places;
         if (!from_archive) {
             ++count;
-            places += std::string(symbol_file_name(sym)) + "\n";
+            places = std::string("\n") + symbol_file_name(sym) + "\n";
         }
         for (const AR_DEF& def : it->second) {
             AR_MEMBER member;

@@ -1,4 +1,5 @@
 // The load phase from end to end: see load().
+#include "ELFLNK/compress/compress_db.h"
 #include "ELFLNK/load/load.h"
 
 #include "DIAG/elnk_msgs.h"
@@ -36,6 +37,7 @@ void add_target_entry_names() {
         global_symbols.add_entry_name(name);
         global_symbols.add_rts_trigger(name);
     }
+    global_compress_db->add_decompression_routine_names();
 }
 
 void scan_item(SCAN_ITEM* item) {

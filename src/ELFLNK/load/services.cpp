@@ -1,4 +1,6 @@
 // Small services of the load phase that other phases ask for.
+#include "ELFLNK/exidx/exidx.h"
+#include "ELFLNK/exidx/exidx_section.h"
 #include "ELFLNK/file/file_manager.h"
 #include "ELFLNK/load/load.h"
 #include "ELFLNK/object/root_collection.h"
@@ -8,7 +10,9 @@
 #include "OBJEDIT04/ofe/of_section_table.h"
 
 SECTION* new_section(OFE::OF_SECTION* section) {
-    auto* object = new SECTION(file_manager.lookup_OF_FILE(section->ofile()), section);
+    OBJ_FILE* file = file_manager.lookup_OF_FILE(section->ofile());
+    SECTION* object =
+        EXIDX::is_exidx(section) ? new EXIDX_SECTION(file, section) : new SECTION(file, section);
     root_collection->add_section(object);
     return object;
 }

@@ -1,9 +1,12 @@
 // The objects of the link. There is one of each; they are made before main() runs, in this order,
 // and live until the process ends.
+#include "ELFLNK/compress/compress_db.h"
+#include "ELFLNK/crc/crc_table.h"
 #include "ELFLNK/file/file_manager.h"
 #include "ELFLNK/memmap/memory_map.h"
 #include "ELFLNK/object/root_collection.h"
 #include "ELFLNK/symbol/symbol_table.h"
+#include "ELFLNK/table/copy_table_db.h"
 #include "ELFLNK/write/outsym_attr_manager.h"
 #include "OPTIONGEN/option_obj.h"
 
@@ -16,6 +19,14 @@ MEMORY_MAP* memory_map = &the_memory_map;
 ROOT_COLLECTION* root_collection = new ROOT_COLLECTION;
 
 SYMBOL_TABLE global_symbols;
+
+static COPY_TABLE_DB the_copy_tables;
+COPY_TABLE_DB* global_copy_table_db = &the_copy_tables;
+static COMPRESS_DB the_compressed_sections;
+COMPRESS_DB* global_compress_db = &the_compressed_sections;
+static CRC_TABLE_DB the_crc_tables;
+CRC_TABLE_DB* global_crc_table_db = &the_crc_tables;
+
 OUTSYM_ATTR_MANAGER outsym_attr_manager;
 
 option_obj* global_opts = nullptr;

@@ -11,12 +11,15 @@
 #include "DIAG/gen_msgs.h"
 #include "DIAG/user_msg_api.h"
 #include "ELFLNK/build/build.h"
+#include "ELFLNK/compress/compress_db.h"
+#include "ELFLNK/crc/crc_table.h"
 #include "ELFLNK/main/main.h"
 #include "ELFLNK/memmap/fill_spec.h"
 #include "ELFLNK/memmap/memory_map.h"
 #include "ELFLNK/object/load_segment.h"
 #include "ELFLNK/object/root_collection.h"
 #include "ELFLNK/symbol/symbol_table.h"
+#include "ELFLNK/table/copy_table_db.h"
 #include "ELFLNK/target/target.h"
 #include "OBJEDIT04/ofe/object_file.h"
 #include "OBJEDIT04/ofe/of_symbol.h"
@@ -44,6 +47,15 @@ void map_banner() {
     mprintf("%s%s\n", asterisks, asterisks);
     mprintf(">> Linked %s\n", asctime(localtime(&when)));
     mprintf("OUTPUT FILE NAME:   <%s>\n", output_OF_FILE()->display_name());
+}
+
+void map_copy_tables() {
+    global_copy_table_db->generate_map_file();
+    global_compress_db->generate_map_file();
+}
+
+void map_crc_tables() {
+    global_crc_table_db->generate_map_file();
 }
 
 void map_entry_point() {
@@ -181,8 +193,10 @@ void generate_map_file() {
         const char* attribute;
         void (*part)();
     } parts[] = {
-        {"entry", map_entry_point},           {"memory", map_memory},   {"segments", map_segments},
-        {"sections", map_section_allocation}, {"modules", map_modules},
+        {"entry", map_entry_point},    {"memory", map_memory},
+        {"segments", map_segments},    {"sections", map_section_allocation},
+        {"modules", map_modules},      {"copytables", map_copy_tables},
+        {"crctables", map_crc_tables},
     };
     const char* name = global_opts->getstrarg(OPT_map_file);
     FHM_FILE* file = fhm_stdout();

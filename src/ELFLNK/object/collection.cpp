@@ -1,6 +1,7 @@
 // Membership of collections, and the walks over what is below them.
 //
 // A member knows its place in its parent's list, so leaving is O(1) however long the list is.
+#include "ELFLNK/compress/compress_db.h"
 #include "ELFLNK/object/collection.h"
 
 #include <algorithm>
@@ -170,7 +171,8 @@ bool COLLECTION::has_assign_to_dot_expression() const {
 }
 
 bool COLLECTION::has_load_data() const {
-    if (kind_ == COLLECTION_OUTSECT) return has_attr(PA_HAS_DATA);
+    if (kind_ == COLLECTION_OUTSECT)
+        return has_attr(PA_HAS_DATA) && !global_compress_db->is_outsect_auto_init(this);
     return std::any_of(members_.begin(), members_.end(),
                        [](const LINKER_OBJECT* obj) { return obj->has_load_data(); });
 }

@@ -10,6 +10,7 @@
 class ROOT_COLLECTION;
 class SECTION;
 class SECTION_SPEC;
+struct LOAD_DATA_TABLE_SPECS;
 
 enum COLLECTION_KIND : uint32_t {
     COLLECTION_OUTSECT = 0,
@@ -139,6 +140,16 @@ class COLLECTION : public LINKER_OBJECT {
     /// Appends a DOT_EXPRESSION for the assignment name = dot.
     void add_assign_from_dot(const char* symbol);
 
+    // ---- load data tables ------------------------------------------------------------------
+    /// The operator table(name, compression=word) of a command file; null without the word.
+    void add_copy_table_spec(const char* name, const char* compression, const SOURCE_POSITION* pos);
+    /// The operator crc_table(name, algorithm=word); null without the word.
+    void add_crc_table_spec(const char* name, const char* algorithm, const SOURCE_POSITION* pos);
+    /// What the operators asked for; null for nothing.
+    LOAD_DATA_TABLE_SPECS* copy_table_specs() const { return copy_table_specs_; }
+    LOAD_DATA_TABLE_SPECS* crc_table_specs() const { return crc_table_specs_; }
+    void drop_copy_table_specs() { copy_table_specs_ = nullptr; }
+
   protected:
     /// Empties the list; the members keep no parent.
     void clear_members();
@@ -159,6 +170,8 @@ class COLLECTION : public LINKER_OBJECT {
 
     COLLECTION_KIND kind_;
     MEMBER_LIST members_;
+    LOAD_DATA_TABLE_SPECS* copy_table_specs_ = nullptr;
+    LOAD_DATA_TABLE_SPECS* crc_table_specs_ = nullptr;
     uint64_t est_size_min_ = 0;
     uint64_t size_ = 0;
     EXTENT sum_; // plain sum of the members but the unsummed, while sum_valid_

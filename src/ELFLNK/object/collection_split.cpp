@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "DIAG/elnk_msgs.h"
+#include "ELFLNK/expr/expression.h"
 #include "ELFLNK/locator/locator.h"
 #include "ELFLNK/object/collection.h"
 #include "ELFLNK/object/root_collection.h"
@@ -160,13 +161,34 @@ void COLLECTION::enforce_spec_restrictions() {
     enforce_linker_controlled_section_restrictions();
 }
 
+namespace {
+
+/// Symbols that take dot in front of or behind what the linker puts into a section are those of its
+/// start or end.
+void anchor_to_extent(COLLECTION* outsect, LINKER_OBJECT* dot, EXPR_OPCODE extent) {
+    if (dot->has_assign_to_dot_expression()) return;
+    for (EXPRESSION* expr : dot->assignments())
+        if (expr->right() != nullptr && expr->right()->opcode() == EXPR_OP_DOT)
+            expr->set_right(new EXPRESSION(extent, &expr->source_position()));
+    outsect->take_assignments(dot);
+    outsect->remove_member(dot);
+}
+
+} // namespace
+
 void COLLECTION::enforce_linker_controlled_section_restrictions() {
     ABI* abi = Target->abi();
     if (!abi->linker_controls_section_contents(name())) return;
-    std::vector<LINKER_OBJECT*> specs;
-    flatten(specs, &LINKER_OBJECT::is_section_spec);
+    std::vector<LINKER_OBJECT*> body;
+    flatten(body, [](const LINKER_OBJECT* obj) {
+        return obj->is_section_spec() || obj->is_dot_expression();
+    });
     bool warned = false;
-    for (LINKER_OBJECT* obj : specs) {
+    for (LINKER_OBJECT* obj : body) {
+        if (obj->is_dot_expression()) {
+            anchor_to_extent(this, obj, warned ? EXPR_OP_RUN_END : EXPR_OP_RUN_START);
+            continue;
+        }
         if (static_cast<SECTION_SPEC*>(obj)->is_default()) continue;
         if (!warned)
             DIAG_REPORT_AT(&obj->source_position(), elnk_no_sspec,
@@ -183,6 +205,7 @@ bool COLLECTION::replace_user_outsect() {
     LOCATOR* load = user->load_locator();
     if (user->run_locator() != nullptr) add_locator(user->run_locator());
     if (load != nullptr) add_locator(load);
+    take_assignments(user);
     root_collection->remove_outsect(user);
     set_attr(user->attrs() & STICKY_PLACEMENT_ATTRIBUTES);
     if (user->parent() != nullptr) user->parent()->replace_member(this, user);

@@ -56,7 +56,7 @@ OBJ_FILE* SECTION::orig_infile() const {
 }
 
 OFE::OF_SECTION* SECTION::OF_SECTION_api() {
-    if (section_ == nullptr && file_ != nullptr)
+    if (section_ == nullptr && file_ != nullptr && !is_jump_ent())
         section_ = file_->object_file()->section_table()->section_name(original_name_, 0);
     return section_;
 }

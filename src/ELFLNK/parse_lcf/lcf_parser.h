@@ -110,7 +110,10 @@ class LCF_PARSER : public COMMAND_PARSER, protected LCF_LEXER {
     bool section_symbol(LINKER_OBJECT* object);
     bool table_symbol(COLLECTION* section);
     bool crc_table_symbol(COLLECTION* section);
-    bool table_request(const char* parameter);
+    /// COLLECTION's operation for a table operator.
+    using TABLE_OPERATOR = void (COLLECTION::*)(const char* name, const char* word,
+                                                const SOURCE_POSITION* pos);
+    bool table_request(const char* parameter, COLLECTION* section, TABLE_OPERATOR apply);
     bool unordered_property(PLACEMENT_PROPERTIES& props);
     bool fill_property(COLLECTION* section);
     void optional_fill(LINKER_OBJECT* object);

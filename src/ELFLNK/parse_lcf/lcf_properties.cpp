@@ -261,30 +261,39 @@ bool LCF_PARSER::section_symbol(LINKER_OBJECT* object) {
     return true;
 }
 
-// table(name [, compression = word]). Nothing makes copy tables of it here.
-bool LCF_PARSER::table_symbol(COLLECTION*) {
-    return keyword("TABLE") && lex_peek() == '(' && table_request("COMPRESSION");
+// table(name [, compression = word]).
+bool LCF_PARSER::table_symbol(COLLECTION* section) {
+    return keyword("TABLE") && lex_peek() == '(' &&
+           table_request("COMPRESSION", section, &COLLECTION::add_copy_table_spec);
 }
 
 // crc_table(name [, algorithm = word]).
-bool LCF_PARSER::crc_table_symbol(COLLECTION*) {
-    return keyword("CRC_TABLE") && lex_peek() == '(' && table_request("ALGORITHM");
+bool LCF_PARSER::crc_table_symbol(COLLECTION* section) {
+    return keyword("CRC_TABLE") && lex_peek() == '(' &&
+           table_request("ALGORITHM", section, &COLLECTION::add_crc_table_spec);
 }
 
-bool LCF_PARSER::table_request(const char* parameter) {
+bool LCF_PARSER::table_request(const char* parameter, COLLECTION* section, TABLE_OPERATOR apply) {
+    const SOURCE_POSITION pos = token().position();
     lex();
     lex();
+    const char* name = savestr(text());
     if (!lex_skip_required(TOK_NAME)) return true;
+    const char* word = nullptr;
     if (lex_skip_optional(',')) {
         if (keyword(parameter)) {
             lex();
-            if (lex_skip_required('=')) lex_skip_required(TOK_NAME);
+            if (lex_skip_required('=')) {
+                word = savestr(text());
+                if (!lex_skip_required(TOK_NAME)) word = nullptr;
+            }
         } else {
             LCF_ERROR(elnk_syn_bad_scn_prop, text());
             if (!at_end(')')) lex();
         }
     }
     lex_skip_required(')');
+    (section->*apply)(name, word, &pos);
     return true;
 }
 

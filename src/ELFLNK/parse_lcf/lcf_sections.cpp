@@ -1,5 +1,6 @@
 // The SECTIONS directive: output sections, GROUPs and UNIONs, and how their wishes become locators.
 #include "ELFLNK/object/root_collection.h"
+#include "ELFLNK/table/copy_table_db.h"
 #include "ELFLNK/parse_lcf/lcf_errors.h"
 #include "ELFLNK/parse_lcf/lcf_parser.h"
 #include "ELFLNK/parse_lcf/placement_properties.h"
@@ -89,6 +90,7 @@ void LCF_PARSER::group_or_union(COLLECTION* parent) {
         props.common.set_flag(LF_ORDERED);
     parent->add_member(group, true);
     consolidate_placement_properties(group, props);
+    global_copy_table_db->enforce_table_restrictions(group);
     leave_nesting();
 }
 

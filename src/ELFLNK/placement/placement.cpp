@@ -6,12 +6,16 @@
 
 #include "DIAG/elnk_msgs.h"
 #include "DIAG/source_position.h"
+#include "ELFLNK/compress/compress_db.h"
+#include "ELFLNK/crc/crc_table.h"
 #include "ELFLNK/memmap/memory_map.h"
 #include "ELFLNK/object/root_collection.h"
 #include "ELFLNK/placement/fill/fill.h"
 #include "ELFLNK/placement/order/worklist.h"
+#include "ELFLNK/table/copy_table_db.h"
 #include "ELFLNK/target/abi.h"
 #include "ELFLNK/target/target.h"
+#include "ELFLNK/trampoline/trampoline.h"
 #include "OPTIONGEN/register_option.h"
 #include "UTIL/trace.h"
 
@@ -109,6 +113,7 @@ void place_worklist(LOCATOR_LIST& list) {
         locator->place_object();
         sort = must_sort_again(locator, list, watch);
     }
+    generate_trampolines();
 }
 
 void LOCATOR::remove_locator(LOCATOR* locator) {
@@ -118,12 +123,16 @@ void LOCATOR::remove_locator(LOCATOR* locator) {
 
 void placement() {
     trace_placement.printf("\n\nPLACEMENT PHASE:\n\n");
+    build_tramp_call_graph();
     Target->visit_callgraph();
     analyze_tree();
     // Every locator that stands on its own is in the worklist of its phase.
     place_phase(PLACEMENT_PHASE_1);
     COLLECTION::split_outsects();
     place_in_both_windows();
+    global_copy_table_db->split();
+    global_compress_db->process_compressed_sections();
+    global_crc_table_db->split();
     // The output sections are final; objects that describe them can be sized.
     place_phase(PLACEMENT_PHASE_2);
     place_phase_3();

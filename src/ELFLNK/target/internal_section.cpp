@@ -35,10 +35,15 @@ SECTION* create_uninitialized_section(const char* name, unsigned alignment) {
     return new_object(section);
 }
 
-SECTION* create_read_only_section(const char* name, unsigned size, unsigned alignment) {
+OFE::OF_SECTION* new_internal_constant_section(const char* name, unsigned alignment) {
     OFE::OF_SECTION* section = new_internal_OF_SECTION(name, alignment);
     section->set_const_data();
     section->set_allocated(true);
+    return section;
+}
+
+SECTION* create_read_only_section(const char* name, unsigned size, unsigned alignment) {
+    OFE::OF_SECTION* section = new_internal_constant_section(name, alignment);
     const std::vector<uint8_t> zeros(size);
     section->write_to_raw_data(zeros.data(), size, 0);
     return new_object(section);

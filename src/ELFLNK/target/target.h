@@ -11,16 +11,27 @@
 class ABI;
 class COLLECTION;
 class COMMAND_FILE;
+class COMPRESSED_SECTION;
+class COPY_TABLE;
+class CRC_TABLE;
 class FCOMPAT;
+class HANDLER_TABLE;
 class LINKER_OBJECT;
 class LOCATOR;
 class OBJ_FILE;
+class SECTION;
 class SECTION_SPEC;
+class SOURCE_POSITION;
 class TEXT_TABLE;
+class TRAMPOLINE;
+class TRAMP_CALLEE;
+class TRAMP_CALL_SITE;
 namespace OFE {
 class OBJECT_FILE;
 class OF_SECTION;
 class OF_SYMBOL;
+struct OF_RELOC_TEMPLATE;
+struct OF_RELOC_TYPE;
 } // namespace OFE
 
 class TARGET {
@@ -106,11 +117,45 @@ class TARGET {
     virtual bool is_crc_table_supported() const { return false; }
     virtual unsigned default_crc_algorithm() const { return 0; }
 
+    // --- far calls; each object lives to the end of the link
+
+    /// The field of a branch: bits, how far the value is shifted left, how far the address that it
+    /// counts from lies behind the instruction, and what of the instruction's address counts.
+    virtual void get_rel_field_info(const OFE::OF_RELOC_TEMPLATE& rel, unsigned& bits,
+                                    unsigned& shift, unsigned& bias, uint64_t& mask) const;
+    /// The addresses [lo, hi] that a branch at `pc` reaches.
+    virtual void get_reachable_range(uint64_t pc, const OFE::OF_RELOC_TEMPLATE& rel, uint64_t& lo,
+                                     uint64_t& hi) const;
+    virtual int call_bias(const OFE::OF_RELOC_TEMPLATE&) const { return 0; }
+    /// Does it take more than the instruction to enter the code at `offset` of `to`? `odd`: a
+    /// function symbol with bit 0 set stands there.
+    virtual bool call_may_change_state(SECTION* from, const OFE::OF_RELOC_TEMPLATE& rel,
+                                       uint32_t at, SECTION* to, uint64_t offset, bool odd) const;
+    /// How far behind its symbol the call goes; `addend` is that of the relocation's entry, null
+    /// where it stands in the instruction.
+    virtual int64_t call_displacement(const TRAMP_CALL_SITE* site, const int* addend) const;
+    virtual TRAMP_CALL_SITE* new_TRAMP_CALL_SITE(SECTION* section, const OFE::OF_RELOC_TYPE* type,
+                                                 uint32_t offset);
+    /// A callee in a section, or without one an absolute address.
+    virtual TRAMP_CALLEE* new_TRAMP_CALLEE(SECTION* section, uint64_t offset);
+    virtual TRAMPOLINE* new_TRAMPOLINE(TRAMP_CALLEE* callee, OBJ_FILE* file, const char* name);
+
+    // --- load data tables; each object lives to the end of the link
+
+    virtual COPY_TABLE* new_COPY_TABLE(const char* name, const SOURCE_POSITION* pos) = 0;
+    virtual COPY_TABLE* new_CINIT_TABLE() = 0;
+    virtual CRC_TABLE* new_CRC_TABLE(const char* name, const SOURCE_POSITION* pos) = 0;
+    virtual HANDLER_TABLE* new_HANDLER_TABLE(unsigned capacity) = 0;
+    virtual COMPRESSED_SECTION* new_COMPRESSED_SECTION(const char* name, COLLECTION* run,
+                                                       short kind) = 0;
+
     // --- the output
 
     virtual bool ELF_supported() const { return false; }
     /// Sets up the output file after the first object file of the link.
     virtual void init_output_file(OFE::OBJECT_FILE*, OFE::OBJECT_FILE*) {}
+    /// What relocations of type TARGET2 mean: a distance, or (as without this) an address.
+    virtual void set_target2_relative(bool) {}
     virtual void finalize_section_data(OFE::OF_SECTION*) {}
     virtual void finalize_output_file() {}
 

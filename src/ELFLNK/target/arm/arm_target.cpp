@@ -20,6 +20,7 @@
 #include "OBJEDIT04/ofe/of_section.h"
 #include "OBJEDIT04/ofe/of_section_table.h"
 #include "OBJEDIT04/ofe/of_symbol.h"
+#include "OBJEDIT04/ofe/of_symbol_table.h"
 #include "OPTIONGEN/option_obj.h"
 
 #include <algorithm>
@@ -263,6 +264,20 @@ void ARM_TARGET::finalize_output_file() {
                                                                   silicon_.isa_version());
     const bool big = output->machine_endian() == OFE::OF_ENDIAN_BIG;
     machine->set_be_enc(needs_be8_code_swap_ ? BE_ENC_BE8 : big ? BE_ENC_BE32 : BE_ENC_NONE);
+}
+
+void ARM_TARGET::set_target2_relative(bool relative) {
+    ARM_MACHINE_DB::set_target2_relative(relative);
+}
+
+void ARM_TARGET::gen_mapping_symbol(OFE::OF_SECTION* section,
+                                    OFE::ARM_TYPES::SECTION_MODE mode, uint32_t offset) {
+    OFE::OF_SYMBOL* symbol = section->ofile()->symbol_table()->new_symbol();
+    symbol->set_name_view(ARM_MACHINE_DB::mapping_sym_name(mode));
+    symbol->set_section(section);
+    symbol->set_value(offset);
+    symbol->set_type(OFE::OF_SYM_TYPE_NONE);
+    symbol->set_binding(OFE::OF_SYM_BINDING_LOCAL);
 }
 
 unsigned ARM_TARGET::thumb_nop() const {

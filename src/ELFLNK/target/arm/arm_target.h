@@ -4,6 +4,7 @@
 
 #include "ELFLNK/target/arm/arm_arch_types.h"
 #include "ELFLNK/target/target.h"
+#include "OBJEDIT04/machine/arm_machine_db.h"
 
 class ARM_TARGET final : public TARGET {
   public:
@@ -27,13 +28,36 @@ class ARM_TARGET final : public TARGET {
     bool is_copy_compression_supported() const override { return true; }
     bool is_crc_table_supported() const override { return true; }
     unsigned default_crc_algorithm() const override { return 10; }
+    void get_rel_field_info(const OFE::OF_RELOC_TEMPLATE& rel, unsigned& bits, unsigned& shift,
+                            unsigned& bias, uint64_t& mask) const override;
+    void get_reachable_range(uint64_t pc, const OFE::OF_RELOC_TEMPLATE& rel, uint64_t& lo,
+                             uint64_t& hi) const override;
+    int call_bias(const OFE::OF_RELOC_TEMPLATE& rel) const override;
+    bool call_may_change_state(SECTION* from, const OFE::OF_RELOC_TEMPLATE& rel, uint32_t at,
+                               SECTION* to, uint64_t offset, bool odd) const override;
+    int64_t call_displacement(const TRAMP_CALL_SITE* site, const int* addend) const override;
+    TRAMP_CALL_SITE* new_TRAMP_CALL_SITE(SECTION* section, const OFE::OF_RELOC_TYPE* type,
+                                         uint32_t offset) override;
+    TRAMP_CALLEE* new_TRAMP_CALLEE(SECTION* section, uint64_t offset) override;
+    TRAMPOLINE* new_TRAMPOLINE(TRAMP_CALLEE* callee, OBJ_FILE* file, const char* name) override;
+    COPY_TABLE* new_COPY_TABLE(const char* name, const SOURCE_POSITION* pos) override;
+    COPY_TABLE* new_CINIT_TABLE() override;
+    CRC_TABLE* new_CRC_TABLE(const char* name, const SOURCE_POSITION* pos) override;
+    HANDLER_TABLE* new_HANDLER_TABLE(unsigned capacity) override;
+    COMPRESSED_SECTION* new_COMPRESSED_SECTION(const char* name, COLLECTION* run,
+                                               short kind) override;
     ABI* abi() override;
 
     bool ELF_supported() const override { return true; }
     void init_output_file(OFE::OBJECT_FILE* output, OFE::OBJECT_FILE* first) override;
+    void set_target2_relative(bool relative) override;
     void finalize_section_data(OFE::OF_SECTION* section) override;
     void finalize_output_file() override;
     void init_mapfile_filter() override;
+
+    /// A mapping symbol of a mode of the machine database at `offset` of the section.
+    static void gen_mapping_symbol(OFE::OF_SECTION* section, OFE::ARM_TYPES::SECTION_MODE mode,
+                                   uint32_t offset);
 
     static constexpr unsigned arm_nop() { return 0xE1A00000; }
     /// By the output's instruction set version.
