@@ -7,13 +7,29 @@
 #include <cctype>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <memory>
 #include <string_view>
 
 namespace {
 
-constexpr size_t LONGEST_DECODED =
-    16384; // longer names stay as they are: they help nobody in a message
+// Longer names stay as they are: they help nobody in a message.
+constexpr size_t LONGEST_DECODED = 16384;
+
+std::string decode_itanium(const char* link_name) {
+    if (std::strncmp(link_name, "_Z", 2) != 0) return {};
+    int status = 0;
+    const std::unique_ptr<char, decltype(&std::free)> text(
+        abi::__cxa_demangle(link_name, nullptr, nullptr, &status), &std::free);
+    return status == 0 && text ? text.get() : std::string();
+}
+
+/// By scheme.
+NAME_DECODER decoders[] = {nullptr, decode_itanium};
+
+bool has_decoder(int scheme) {
+    return scheme >= 0 && size_t(scheme) < std::size(decoders) && decoders[scheme] != nullptr;
+}
 
 // Walks a mangled name far enough to see the last component of its outermost nested name.
 class NESTED_NAME {
@@ -79,13 +95,14 @@ class NESTED_NAME {
 
 } // namespace
 
-std::string decode_id(const char* link_name) {
-    if (std::strncmp(link_name, "_Z", 2) != 0 || std::strlen(link_name) > LONGEST_DECODED)
-        return link_name;
-    int status = 0;
-    const std::unique_ptr<char, decltype(&std::free)> text(
-        abi::__cxa_demangle(link_name, nullptr, nullptr, &status), &std::free);
-    return status == 0 && text ? text.get() : link_name;
+void set_name_decoder(int scheme, NAME_DECODER decoder) {
+    if (scheme >= 0 && size_t(scheme) < std::size(decoders)) decoders[scheme] = decoder;
+}
+
+std::string decode_id(const char* link_name, int scheme) {
+    if (!has_decoder(scheme) || std::strlen(link_name) > LONGEST_DECODED) return link_name;
+    std::string decoded = decoders[scheme](link_name);
+    return decoded.empty() ? link_name : decoded;
 }
 
 bool decode_is_ia64_subobject(const char* link_name) {

@@ -19,7 +19,7 @@ void SYMBOL_TABLE::add_mapping_entry(const SOURCE_POSITION* pos, const char* ref
     }
     r.mapped_to = def_id;
     records_[def_id].flags |= MAPPED_TARGET;
-    reverse_map_.emplace_back(def_id, ref_id);
+    reverse_map_[def_id].push_back(ref_id);
     if ((r.flags & (IN_UNDEFS | WEAK_UNDEF)) == IN_UNDEFS) needs_.push_back(ref_id);
 }
 
@@ -29,9 +29,10 @@ const char* SYMBOL_TABLE::mapped_to(const char* name) const {
 }
 
 void SYMBOL_TABLE::mapped_from_ids(uint32_t id, std::vector<uint32_t>& ids) const {
-    if (records_[id].flags & MAPPED_TARGET)
-        for (const auto& [def, ref] : reverse_map_)
-            if (def == id) ids.push_back(ref);
+    if (records_[id].flags & MAPPED_TARGET) {
+        const std::vector<uint32_t>& refs = reverse_map_.at(id);
+        ids.insert(ids.end(), refs.begin(), refs.end());
+    }
     if (records_[id].mapped_to == NAME_TABLE::NO_NAME) ids.push_back(id);
 }
 

@@ -66,7 +66,7 @@ bool SYMBOL_TABLE::is_class_impedimenta(OF_SYMBOL* sym) const {
     const auto begins = [name](const char* prefix) {
         return std::strncmp(name, prefix, std::strlen(prefix)) == 0;
     };
-    if (Target->abi()->mangle_scheme() == 1)
+    if (Target->abi()->mangle_scheme() == MANGLE_ITANIUM)
         return begins("_ZTV") || begins("_ZTT") || begins("_ZTS") || begins("_ZTI");
     return begins("__vt") || begins("__T_");
 }
@@ -82,6 +82,6 @@ LINKER_OBJECT* SYMBOL_TABLE::symbol_defining_object(OF_SYMBOL* sym) const {
 std::string SYMBOL_TABLE::diag_sym_name(const char* name) const {
     if (global_opts->isopt(OPT_no_demangle)) return name;
     const char* plain = Target->abi()->hll_name(name);
-    std::string decoded = decode_id(plain);
+    std::string decoded = decode_id(plain, Target->abi()->mangle_scheme());
     return decoded != plain ? decoded : name;
 }

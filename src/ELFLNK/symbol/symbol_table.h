@@ -194,8 +194,8 @@ class SYMBOL_TABLE {
     std::vector<RECORD> records_;
     std::vector<OFE::OF_SYMBOL*> entry_symbols_;
     std::vector<uint32_t> needs_;
-    std::vector<std::pair<uint32_t, uint32_t>>
-        reverse_map_; // definition, reference; in order of entry
+    /// By definition: the references mapped to it, in the order in which they were entered.
+    std::unordered_map<uint32_t, std::vector<uint32_t>> reverse_map_;
     std::unordered_map<std::string_view, OFE::OF_SYMBOL*> imports_;
     std::unordered_map<const OFE::OF_SYMBOL*, LINKER_OBJECT*> linker_symbols_;
     size_t def_count_ = 0;

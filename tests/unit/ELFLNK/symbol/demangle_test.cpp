@@ -27,3 +27,16 @@ TEST(demangle, subobject_variants_of_constructors_and_destructors_are_known) {
           "_ZN1TIXadL_ZN1AC2EvEEE1fEv", "_ZN1A", "_ZN", "main", "", "_ZN9999999999999999999999C2E"})
         EXPECT_FALSE(decode_is_ia64_subobject(name)) << name;
 }
+
+TEST(demangle, each_scheme_has_its_decoder) {
+    EXPECT_EQ(decode_id("_Z1fi", MANGLE_VENDOR), "_Z1fi");
+    set_name_decoder(MANGLE_VENDOR, [](const char* name) {
+        return std::string(name) == "f__Fi" ? std::string("f(int)") : std::string();
+    });
+    EXPECT_EQ(decode_id("f__Fi", MANGLE_VENDOR), "f(int)");
+    EXPECT_EQ(decode_id("g__Fi", MANGLE_VENDOR), "g__Fi");
+    EXPECT_EQ(decode_id("f__Fi"), "f__Fi");
+    set_name_decoder(MANGLE_VENDOR, nullptr);
+    EXPECT_EQ(decode_id("f__Fi", MANGLE_VENDOR), "f__Fi");
+    EXPECT_EQ(decode_id("f__Fi", 7), "f__Fi");
+}
