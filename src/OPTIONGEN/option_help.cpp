@@ -35,7 +35,8 @@ void print_option(option_id id) {
     const std::string form = option_form(id);
     printf("  %-*s ", NAME_WIDTH, form.c_str());
     if (form.size() > size_t(NAME_WIDTH)) printf("\n%*s", NAME_WIDTH + 3, "");
-    printf("%s\n", def.help);
+    printf("%s%s\n", def.help,
+           (def.flags & OPTION_NO_EFFECT) != 0 ? " (accepted, but without effect)" : "");
     if (def.more[0] != '\0') printf("%*s%s\n", NAME_WIDTH + 3, "", def.more);
     const std::string values = values_of(def);
     if (!values.empty()) printf("%*sOne of: %s\n", NAME_WIDTH + 3, "", values.c_str());

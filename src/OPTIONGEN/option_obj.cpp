@@ -134,27 +134,48 @@ const char* option_obj::format_of_option(option_id id) const {
     return savestr(option_spelling(id, options_[id].form));
 }
 
-std::string option_obj::export_option(option_id id, unsigned n) const {
-    std::string text(option_spelling(id, 0));
+/// The nth value as text that parses again; empty if there is none.
+std::string option_obj::value_text(option_id id, unsigned n) const {
     const OPTION_STATE& option = options_[id];
-    if (option.state == 0 || n >= option.args.size()) return text;
-    if (!text.ends_with(':')) text += '=';
+    if (option.state == 0 || n >= option.args.size()) return {};
     const option_arg& arg = option.args[n];
-    return text + (arg.text != nullptr ? arg.text : std::to_string(arg.number));
+    return arg.text != nullptr ? arg.text : std::to_string(arg.number);
 }
 
-std::vector<std::string> option_obj::export_option_list() const {
+std::string option_obj::export_option(option_id id, unsigned n) const {
+    std::string text(option_spelling(id, 0));
+    const std::string value = value_text(id, n);
+    if (value.empty()) return text;
+    return text + (text.ends_with(':') ? "" : "=") + value;
+}
+
+std::vector<option_id> option_obj::options_to_export() const {
     std::vector<option_id> ids;
     for (unsigned id = 0; id < OPTION_COUNT; id++)
         if (isopt(option_id(id))) ids.push_back(option_id(id));
     std::stable_sort(ids.begin(), ids.end(), [](option_id a, option_id b) {
         return option_def(a).sort < option_def(b).sort;
     });
+    return ids;
+}
+
+std::vector<std::string> option_obj::export_option_list() const {
     std::vector<std::string> list;
-    for (const option_id id : ids)
+    for (const option_id id : options_to_export())
         for (unsigned n = 0; n == 0 || n < getargcount(id); n++)
             list.push_back(export_option(id, n));
     return list;
+}
+
+std::vector<std::pair<std::string, std::string>>
+option_obj::export_option_pairs(parse_option_type kind, class_id cls) const {
+    std::vector<std::pair<std::string, std::string>> pairs;
+    for (const option_id id : options_to_export()) {
+        if (option_def(id).kind != kind || !isclass(id, cls)) continue;
+        for (unsigned n = 0; n == 0 || n < getargcount(id); n++)
+            pairs.emplace_back(option_spelling(id, 0), value_text(id, n));
+    }
+    return pairs;
 }
 
 void option_obj::add_opts_for_tool(argv_list& tool) const {

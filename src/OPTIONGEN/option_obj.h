@@ -13,6 +13,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 class argv_list;
@@ -103,6 +104,10 @@ class option_obj {
     /// The option as text that parses again, of its nth value.
     std::string export_option(option_id id, unsigned n) const;
     std::vector<std::string> export_option_list() const;
+    /// The options of a class and a kind that are on, as pairs of long name and value, one for each
+    /// value (an empty one for an option without), in the order of export_option_list().
+    std::vector<std::pair<std::string, std::string>> export_option_pairs(parse_option_type kind,
+                                                                         class_id cls) const;
     /// The option by its long name, "--output_file".
     static const char* internal_option_string(option_id id);
     /// The option by the spelling that the user wrote last.
@@ -146,6 +151,9 @@ class option_obj {
     };
     void do_conflicts(option_id id);
     void set_value(option_id id, option_arg value);
+    /// The options that are on, in the order in which they are exported.
+    std::vector<option_id> options_to_export() const;
+    std::string value_text(option_id id, unsigned n) const;
 
     std::array<OPTION_STATE, OPTION_COUNT> options_;
     std::vector<option_history> history_;

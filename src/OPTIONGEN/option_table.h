@@ -17,6 +17,7 @@ struct OPTION_ITEM {
 /// Option flags.
 constexpr unsigned OPTION_INTERNAL = 1;
 constexpr unsigned OPTION_PERSISTENT = 2;
+constexpr unsigned OPTION_NO_EFFECT = 4;
 
 /// One option.
 struct OPTION_DEF {

@@ -1,42 +1,55 @@
 #!/usr/bin/env python3
-"""The list of options without effect in docs/ARCHITECTURE.md is that of the sources: an option has an effect when some
-file outside OPTIONGEN asks for its id. --update writes the list."""
+"""The lists of options without effect in docs/ARCHITECTURE.md are those of the sources: an option has an effect when some
+file outside OPTIONGEN asks for its id. Those whose row says NO_EFFECT never get one. --update writes the lists."""
 import re
 import sys
 from pathlib import Path
 
 TOP = Path(__file__).resolve().parents[2]
 DOC = TOP / "docs/ARCHITECTURE.md"
-BEGIN, END = "<!-- options without effect -->\n", "<!-- end -->"
+END = "<!-- end -->"
+ROW = r'^OPTION\(\s*(\w+)\s*,\s*"([^"]+)".*?,\s*([A-Z_0 |]+),\s*\d{3},'
 
 
 def options_without_effect():
-    names = re.findall(r'^OPTION\(\s*(\w+)\s*,\s*"([^"]+)"', (TOP / "src/OPTIONGEN/lnkopt.def").read_text(), re.M)
+    """Marks of the document with the long names of the options that belong behind them."""
+    names = re.findall(ROW, (TOP / "src/OPTIONGEN/lnkopt.def").read_text(), re.M)
     if len(names) < 100:
         sys.exit("src/OPTIONGEN/lnkopt.def: the rows are not where this script looks for them")
     files = [f for f in (TOP / "src").rglob("*") if f.suffix in (".cpp", ".h") and "OPTIONGEN" not in f.parts]
     used = set(re.findall(r"\bOPT_(\w+)", "\n".join(f.read_text() for f in files)))
-    return [f"`{name.split(chr(44))[0]}`" for option, name in names if option not in used]
+    contradictions = [option for option, _, flags in names if "NO_EFFECT" in flags and option in used]
+    if contradictions:
+        sys.exit("these options say NO_EFFECT but have one: " + " ".join(contradictions))
+    idle = [(f"`{name.split(chr(44))[0]}`", "NO_EFFECT" in flags) for option, name, flags in names if option not in used]
+    return {"<!-- options without effect -->\n": [name for name, never in idle if not never],
+            "<!-- options that never have an effect -->\n": [name for name, never in idle if never]}
 
 
-def main():
-    text = DOC.read_text()
-    before, rest = text.split(BEGIN)
-    old, after = rest.split(END)
+def wrapped(names):
     lines, line = [], ""
-    for name in options_without_effect():
+    for name in names:
         if len(line) + len(name) > 115:
             lines.append(line)
             line = ""
         line += ("" if not line else " ") + name
-    new = "\n".join([*lines, line]) + "\n"
+    return "\n".join([*lines, line]) + "\n"
+
+
+def main():
+    text = DOC.read_text()
+    status = 0
+    for mark, names in options_without_effect().items():
+        before, rest = text.split(mark)
+        old, after = rest.split(END, 1)
+        new = wrapped(names)
+        if old != new and "--update" not in sys.argv:
+            print(f"docs/ARCHITECTURE.md lists\n{old}\nbut the sources say\n{new}\nrun python3 {__file__} --update")
+            status = 1
+        text = before + mark + new + END + after
     if "--update" in sys.argv:
-        DOC.write_text(before + BEGIN + new + END + after)
-        return 0
-    if old != new:
-        print(f"docs/ARCHITECTURE.md lists\n{old}\nbut the sources say\n{new}\nrun python3 {__file__} --update")
-        return 1
-    return 0
+        DOC.write_text(text)
+    return status
 
 
 if __name__ == "__main__":

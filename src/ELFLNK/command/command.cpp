@@ -102,6 +102,7 @@ void command() {
     if (file_manager.is_parsing_archive_group()) DIAG_REPORT(elnk_end_options_no_end_group);
     global_opts->post_process_option_depends();
     Target->finalize_options();
+    enter_exports_and_imports();
     if (debug_globals) dump_globals();
 }
 

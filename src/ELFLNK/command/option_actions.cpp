@@ -5,6 +5,7 @@
 #include "DIAG/diagnostic.h"
 #include "DIAG/elnk_msgs.h"
 #include "ELFLNK/command/command.h"
+#include "ELFLNK/command/extension_options.h"
 #include "ELFLNK/file/file_manager.h"
 #include "ELFLNK/main/main.h"
 #include "ELFLNK/memmap/fill_spec.h"
@@ -16,7 +17,6 @@
 #include "OPTIONGEN/option_obj.h"
 #include "OPTIONGEN/register_option.h"
 
-#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <vector>
@@ -101,12 +101,6 @@ void undef_sym(const option_arg* arg) {
 void make_global(const option_arg* arg) {
     global_symbols.add_nohide_name(arg->text);
 }
-void export_symbol(const option_arg* arg) {
-    global_symbols.add_export_name(arg->text);
-}
-void import_symbol(const option_arg* arg) {
-    global_symbols.add_import_name(arg->text);
-}
 void hide(const option_arg* arg) {
     outsym_attr_manager.add_hide_pattern(arg->text);
 }
@@ -179,12 +173,10 @@ constexpr ACTION actions[] = {
     {OPT_display_error_number, display_error_number},
     {OPT_emit_warnings_as_errors, warnings_as_errors},
     {OPT_end_group, end_group},
-    {OPT_export, export_symbol},
     {OPT_fill_value, fill_value},
     {OPT_globalize, globalize},
     {OPT_help, help},
     {OPT_hide, hide},
-    {OPT_import, import_symbol},
     {OPT_issue_debug, issue_debug},
     {OPT_issue_remarks, issue_remarks},
     {OPT_library, library},
@@ -203,9 +195,6 @@ constexpr ACTION actions[] = {
     {OPT_verbose_diagnostics, verbose_diagnostics},
 };
 
-// Options beside the table that this build adds: none.
-constexpr std::array<extension_option, 0> extension_options{};
-
 void act(option_id id, const option_arg* value) {
     for (const ACTION& action : actions)
         if (action.id == id) action.act(value);
@@ -222,7 +211,14 @@ std::vector<FORMAT_NEED> format_needs;
 
 void install_option_actions() {
     option_obj::action = act;
-    option_obj::extensions = extension_options;
+    option_obj::extensions = extension_options();
+}
+
+void enter_exports_and_imports() {
+    for (unsigned n = 0; n < global_opts->getargcount(OPT_export); n++)
+        global_symbols.add_export_name(global_opts->getstrarg(OPT_export, n));
+    for (unsigned n = 0; n < global_opts->getargcount(OPT_import); n++)
+        global_symbols.add_import_name(global_opts->getstrarg(OPT_import, n));
 }
 
 void objfmt_conflict(option_id id, OFE::OF_FORMAT format) {

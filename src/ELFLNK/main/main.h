@@ -35,7 +35,9 @@ const char* isa_and_tool_name(); ///< "QV ARM Linker"
 int version_major();
 int version_minor();
 int version_patch();
-const char* version_number(); ///< "1.2.3"
+bool version_has_fourth_digit();
+const char* version_qual();   ///< what the full version has behind the number
+const char* version_number(); ///< "1.2.3", or "1.2.3.4"
 const char* version_short();  ///< "v1.2.3"
 const char* version_full();   ///< version_short() with its qualifier
 const char* isa_tool_and_version_short();

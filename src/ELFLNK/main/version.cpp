@@ -7,6 +7,7 @@ namespace {
 constexpr int MAJOR = 0;
 constexpr int MINOR = 1;
 constexpr int PATCH = 0;
+constexpr int FOURTH = -1; // -1: this build has no fourth digit
 constexpr const char* QUALIFIER = "";
 constexpr const char* COPYRIGHT = "Copyright (c) the authors of this linker";
 } // namespace
@@ -35,7 +36,16 @@ int version_patch() {
     return PATCH;
 }
 
+bool version_has_fourth_digit() {
+    return FOURTH >= 0;
+}
+
+const char* version_qual() {
+    return QUALIFIER;
+}
+
 const char* version_number() {
+    if (version_has_fourth_digit()) return savestrf("%d.%d.%d.%d", MAJOR, MINOR, PATCH, FOURTH);
     return savestrf("%d.%d.%d", MAJOR, MINOR, PATCH);
 }
 
@@ -44,7 +54,7 @@ const char* version_short() {
 }
 
 const char* version_full() {
-    return savestrf("%s%s", version_short(), QUALIFIER);
+    return savestrf("%s%s", version_short(), version_qual());
 }
 
 const char* isa_tool_and_version_short() {

@@ -278,6 +278,16 @@ TEST(option_table, an_exported_option_parses_to_the_same) {
     EXPECT_EQ(again.export_option_list().back(), "--output_file=a.out"); // sort number 900
 }
 
+TEST(option_table, pairs_are_those_of_a_class_and_a_kind) {
+    using PAIRS = std::vector<std::pair<std::string, std::string>>;
+    Parsed parsed({"-u", "f", "-e", "main", "-u", "g", "--retain=x", "-s", "-o", "a.out"});
+    EXPECT_EQ(parsed.options.export_option_pairs(REQ_STRINGS, CLASS_SYMBOLS),
+              (PAIRS{{"--retain", "x"}, {"--undef_sym", "f"}, {"--undef_sym", "g"}}));
+    EXPECT_EQ(parsed.options.export_option_pairs(FLAG, CLASS_SYMBOLS),
+              (PAIRS{{"--no_symtable", ""}}));
+    EXPECT_EQ(parsed.options.export_option_pairs(REQ_STRING, CLASS_DYNAMIC), PAIRS{});
+}
+
 std::string extension_value;
 constexpr extension_option two_extensions[] = {
     {"qv_extra", nullptr,
