@@ -64,10 +64,8 @@ int WORD_WRAPPER::print_formatted(std::string_view text) {
         printed += emit(line.substr(0, take));
         text.remove_prefix(take);
         if (text.empty()) break;
-        if (take == line.size())
-            text.remove_prefix(1); // the line end in the text
-        else
-            while (!text.empty() && is_blank(text[0])) text.remove_prefix(1);
+        if (take == line.size()) text.remove_prefix(1); // the line end in the text
+        while (!text.empty() && is_blank(text[0])) text.remove_prefix(1);
         if (!text.empty() || take == line.size()) printed += start_new_line();
     }
     return printed;

@@ -5,7 +5,7 @@
     --- a.s                        an input; options of the assembler or compiler may follow: --- a.c -mcpu=cortex-a15
                                    assembly gets the attribute that says it preserves alignment; `raw`: it doesn't
     --- link.cmd                   any other name is written as it stands
-    --- archive lib.a x.o y.o      an archive of objects built from inputs above
+    --- archive lib.a x.o y.o      an archive of objects built from inputs above; NAME=FILE: a member of another name
     --- hex junk.bin               a file of bytes in hexadecimal, blanks and # comments ignored
     --- truncate a.o 40            cuts a file that exists;  --- patch a.o 0x20 FFFF  overwrites bytes of it
     --- case NAME                  what follows, up to the next case, is one link; parts above are shared by all
@@ -57,9 +57,13 @@ class Failure(Exception):
 
 
 def parse(path):
-    """The file as (sentence, [(head words, body lines, line number)])."""
+    return parse_text(path.read_text())
+
+
+def parse_text(text):
+    """A test as (sentence, [(head words, body lines, line number)])."""
     sentence, parts = [], []
-    for number, line in enumerate(path.read_text().splitlines(), 1):
+    for number, line in enumerate(text.splitlines(), 1):
         if line.startswith("--- "):
             parts.append(([*line[4:].split()] if line.startswith("--- case ") else shlex.split(line[4:]), [], number))
         elif parts:
@@ -95,7 +99,7 @@ def make_input(head, body, work):
     """Writes the input that a part holds, and builds an object where it is a source."""
     kind, rest = head[0], head[1:]
     if kind == "archive":
-        must([TOOLS + "ar", "rc", *rest], work)
+        must([TOOLS + "ar", "rc", *(member_file(r, work) for r in rest)], work)
     elif kind == "hex":
         (work / rest[0]).write_bytes(hex_bytes(body))
     elif kind == "truncate":
@@ -114,6 +118,16 @@ def make_input(head, body, work):
         path.write_text(text)
         if path.suffix in (".s", ".S", ".c", ".cpp"):
             compile_source(kind, rest, work)
+
+
+def member_file(argument, work):
+    """The argument of the archiver; NAME=FILE is a copy of the file under that name."""
+    name, mark, file = argument.partition("=")
+    if not mark or argument.startswith("-"):
+        return argument
+    (work / "members").mkdir(exist_ok=True)
+    shutil.copyfile(work / file, work / "members" / name)
+    return "members/" + name
 
 
 def compile_source(name, options, work):

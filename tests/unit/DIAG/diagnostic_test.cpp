@@ -179,6 +179,12 @@ TEST(Wrap, a_line_end_in_the_text_starts_a_new_line) {
     EXPECT_EQ(out.text(), "error: first:\n   second\n");
 }
 
+TEST(Wrap, blanks_at_the_start_of_a_line_are_skipped) {
+    CAPTURE out;
+    USER_MSG::get_umsg_obj()->error("first:\n  second\n\n\tthird");
+    EXPECT_EQ(out.text(), "error: first:\n   second\n   \n   third\n");
+}
+
 TEST(Wrap, off_means_one_line) {
     DIAGNOSTIC::wrap_enabled_m = false;
     CAPTURE out;

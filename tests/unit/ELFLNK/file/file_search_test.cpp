@@ -1,10 +1,14 @@
 // Where a name is looked for, and in which order.
+#include "DIAG/diagnostic.h"
 #include "ELFLNK/file/file_manager.h"
+#include "UTIL/runcmd.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
 
 namespace fs = std::filesystem;
@@ -107,6 +111,78 @@ TEST_F(FILE_SEARCH, a_file_named_in_a_file_is_found_next_to_it_first) {
     EXPECT_STREQ(files_.find_include_file("common.cmd", "inc/main.cmd", true), "inc/common.cmd");
     EXPECT_STREQ(files_.find_include_file("common.cmd", "main.cmd", true), "dir/common.cmd");
     EXPECT_EQ(files_.find_include_file("common.cmd", "main.cmd", false), nullptr);
+}
+
+/// A script in the place of the tool that builds libraries. It notes its arguments, answers for
+/// good.a and bad.a alone, and makes only the first.
+constexpr const char* MKLIB = R"(#!/bin/sh
+echo "$@" >> "$0.log"
+case "$*" in
+"--query=good.a" | "--query=bad.a") exit 0 ;;
+"--quiet --pattern=good.a"*) echo made > "$(dirname "$0")/good.a"; exit 0 ;;
+"--quiet --pattern=bad.a"*) exit 3 ;;
+esac
+exit 1
+)";
+
+class LIBRARY_BUILD : public FILE_SEARCH {
+  protected:
+    void SetUp() override {
+        FILE_SEARCH::SetUp();
+        fs::create_directories("lib");
+        std::ofstream("lib/mklib") << MKLIB;
+        fs::permissions("lib/mklib", fs::perms::owner_all);
+        dir_ = (root_ / "lib").string();
+    }
+    std::string build(const std::string& name, bool search) {
+        testing::internal::CaptureStderr();
+        const char* path = files_.find_specific_file(name.c_str(), search, true);
+        messages_ = testing::internal::GetCapturedStderr();
+        return path == nullptr ? "(none)" : path;
+    }
+    std::string log() {
+        std::ifstream file("lib/mklib.log");
+        return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    }
+
+    std::string dir_;
+    std::string messages_;
+};
+
+TEST_F(LIBRARY_BUILD, a_missing_library_is_built_next_to_the_tool) {
+    DIAGNOSTIC::wrap_enabled_m = false;
+    EXPECT_EQ(build(dir_ + "/good.a", false), dir_ + "/good.a");
+    EXPECT_EQ(messages_, "warning: automatic library build: using library \"" + dir_ +
+                             "/good.a\" for the first time, so it must be built.  This may take a "
+                             "few minutes.\n");
+    EXPECT_EQ(log(), "--query=good.a\n--quiet --pattern=good.a\n");
+    EXPECT_EQ(build(dir_ + "/good.a", false), dir_ + "/good.a");
+    EXPECT_EQ(messages_, "") << "what is there is not built again";
+}
+
+TEST_F(LIBRARY_BUILD, the_tool_is_asked_in_each_directory_and_may_decline_or_fail) {
+    files_.add_default_dir((root_ / "nothing").c_str());
+    files_.add_default_dir(dir_.c_str());
+    EXPECT_EQ(build("unknown.a", true), "(none)");
+    EXPECT_EQ(messages_, "");
+    EXPECT_EQ(build("bad.a", true), "(none)");
+    EXPECT_NE(messages_.find("automatic library build: "), std::string::npos);
+    EXPECT_EQ(build("good.a", true), dir_ + "/good.a");
+    EXPECT_EQ(log(), "--query=unknown.a\n--query=bad.a\n--quiet --pattern=bad.a\n--query=good.a\n"
+                     "--quiet --pattern=good.a\n");
+}
+
+TEST_F(LIBRARY_BUILD, only_an_absolute_path_is_built) {
+    EXPECT_EQ(build("lib/good.a", false), "(none)");
+    EXPECT_EQ(build("good.a", true), "(none)");
+    EXPECT_EQ(log(), "");
+}
+
+TEST_F(LIBRARY_BUILD, the_tool_hears_where_the_linker_lives) {
+    set_execution_path_to_search_path("/opt/tools/bin/qvlink");
+    EXPECT_EQ(build(dir_ + "/good.a", false), dir_ + "/good.a");
+    EXPECT_EQ(log(),
+              "--query=good.a\n--quiet --pattern=good.a --compiler_bin_dir=/opt/tools/bin\n");
 }
 
 } // namespace
