@@ -14,21 +14,40 @@ from pathlib import Path
 
 HERE = Path(__file__).resolve().parent
 TOOL = "arm-none-eabi-"
-CPU = ["-mcpu=cortex-m3", "-mthumb"]
-COMPILE = [*CPU, "-O2", "-gdwarf-4", "-Wall", "-Wextra", "-ffunction-sections", "-fdata-sections",
+CORTEX_M3 = ["-mcpu=cortex-m3", "-mthumb"]
+CORTEX_M4F = ["-mcpu=cortex-m4", "-mthumb", "-mfloat-abi=hard", "-mfpu=fpv4-sp-d16"]
+COMPILE = ["-O2", "-gdwarf-4", "-Wall", "-Wextra", "-ffunction-sections", "-fdata-sections",
            "-fno-tree-loop-distribute-patterns",  # a copy loop stays one: no call of a memcpy that is not there
            "-ffile-prefix-map={top}=."]
-CXX = ["-std=c++20", "-fno-exceptions", "-fno-rtti", "-fno-threadsafe-statics"]
+CXX = ["-std=c++20", "-fno-threadsafe-statics"]
+NO_EXCEPTIONS = ["-fno-exceptions", "-fno-rtti"]
 STARTUP = "common/startup.s"
+# The start-up of programs whose variables are stored encoded, and the archive of what unpacks them.
+BOOT = "runtime/boot.s"
+RUNTIME = [f"runtime/{name}.c" for name in ("auto_init", "unpack", "unpack_copy", "unpack_zero", "unpack_rle", "unpack_lzss",
+                                            "crc")]
 
-# What a program is made of: its sources, and the archives of the compiler's C library that it links with.
+# What a program is made of: its sources, the archives of the compiler's C library that it links with, and the machine that
+# it is for, if that isn't MACHINE. One that has a run-time is started as it would be on a device: the flash holds its binary
+# image, and the RAM holds POISON.
 PROGRAMS = {
     "hello": {"sources": [STARTUP, "hello/main.c"]},
     "newlib": {"sources": [STARTUP, "newlib/main.c", "newlib/system.c"], "archives": ["libc.a", "libm.a", "libgcc.a"]},
     "cpp": {"sources": [STARTUP, "cpp/main.cpp", "cpp/shapes.cpp", "cpp/handler.cpp"]},
     "regions": {"sources": [STARTUP, "regions/main.c"]},
+    "rom-model": {"sources": [BOOT, "rom-model/main.c", "rom-model/shapes.s"], "runtime": True},
+    "overlays": {"sources": [BOOT, "overlays/main.c", "overlays/sums.c", "overlays/words.c", "overlays/squares.c"],
+                 "runtime": True},
+    "crc": {"sources": [BOOT, "crc/main.c", "crc/data.s"], "runtime": True},
+    "exceptions": {"sources": [STARTUP, "exceptions/start.cpp", "exceptions/main.cpp", "exceptions/jobs.cpp",
+                               "newlib/system.c"],
+                   "archives": ["libstdc++.a", "libc.a", "libm.a", "libgcc.a"],
+                   "machine": ("mps2-an386", "cortex-m4", CORTEX_M4F), "exceptions": True},
 }
-MACHINE, QEMU_CPU = "mps2-an385", "cortex-m3"
+QEMU = ["qemu-system-arm", "-display", "none", "-serial", "null", "-monitor", "none",
+        "-semihosting-config", "enable=on,target=native"]
+RAM, POISON = 0x20000000, b"\xa5" * 0x40000
+MACHINE = "mps2-an385", "cortex-m3", CORTEX_M3  # of QEMU, its processor, the compiler's options for it
 
 
 class Failed(Exception):
@@ -47,17 +66,27 @@ def run(command, show=False, **kw):
     return text
 
 
+def machine_of(name):
+    return PROGRAMS[name].get("machine", MACHINE)
+
+
 def compile_program(name, work, show=False):
     """The objects of a program, in order."""
-    objects = []
-    for source in PROGRAMS[name]["sources"]:
+    return compile_sources(name, PROGRAMS[name]["sources"], work, show)
+
+
+def compile_sources(name, sources, work, show=False):
+    """Objects of sources, with the options of a program."""
+    objects, cpu = [], machine_of(name)[2]
+    cxx = CXX if PROGRAMS[name].get("exceptions") else CXX + NO_EXCEPTIONS
+    for source in sources:
         out = work / (Path(source).stem + ".o")
-        flags = [f.format(top=HERE) for f in COMPILE]
+        flags = cpu + [f.format(top=HERE) for f in COMPILE]
         if source.endswith(".s"):
-            flags = CPU
+            flags = cpu
         compiler = TOOL + ("g++" if source.endswith(".cpp") else "gcc")
-        run([compiler, "-c", *flags, *(CXX if source.endswith(".cpp") else []), f"-I{HERE / 'common'}",
-             HERE / source, "-o", out], show)
+        run([compiler, "-c", *flags, *(cxx if source.endswith(".cpp") else []), f"-I{HERE / 'common'}",
+             f"-I{HERE / 'runtime'}", HERE / source, "-o", out], show)
         objects.append(out)
     return objects
 
@@ -66,10 +95,19 @@ def library_copies(name, work, show=False):
     """Copies of the compiler's archives without their debug information, which is of a version that qvlink refuses."""
     copies = []
     for archive in PROGRAMS[name].get("archives", []):
-        found = run([TOOL + "gcc", *CPU, f"-print-file-name={archive}"]).strip()
+        found = run([TOOL + "gcc", *machine_of(name)[2], f"-print-file-name={archive}"]).strip()
         run([TOOL + "objcopy", "--strip-debug", found, work / archive], show)
         copies.append(work / archive)
     return copies
+
+
+def runtime_archive(name, work, show=False):
+    """The archive of the run-time."""
+    objects = compile_sources(name, RUNTIME, work, show)
+    archive = work / "runtime.a"
+    archive.unlink(missing_ok=True)
+    run([TOOL + "ar", "rcs", archive, *objects], show)
+    return archive
 
 
 def link(name, qvlink, objects, archives, work, show=False):
@@ -85,10 +123,29 @@ def link(name, qvlink, objects, archives, work, show=False):
     return out
 
 
-def run_in_qemu(elf):
+def run_in_qemu(elf, machine=MACHINE):
     """What the program prints; Failed when it ends with a status other than 0, or not at all."""
-    return run(["qemu-system-arm", "-M", MACHINE, "-cpu", QEMU_CPU, "-display", "none", "-serial", "null", "-monitor",
-                "none", "-semihosting-config", "enable=on,target=native", "-kernel", elf])
+    return run(QEMU + ["-M", machine[0], "-cpu", machine[1], "-kernel", elf])
+
+
+def image_of(elf):
+    """The bytes of a program's flash."""
+    image = elf.with_suffix(".bin")
+    run([TOOL + "objcopy", "-O", "binary", elf, image])
+    return image
+
+
+def run_image_in_qemu(image):
+    """What a program prints that starts from its image alone, with RAM that holds something else than it needs."""
+    poison = image.with_name("poison.bin")
+    poison.write_bytes(POISON)
+    return run(QEMU + ["-M", MACHINE[0], "-cpu", MACHINE[1], "-kernel", image,
+                       "-device", f"loader,file={poison},addr={RAM:#x},force-raw=on"])
+
+
+def run_program(name, elf):
+    """What a program prints, started in its way."""
+    return run_image_in_qemu(image_of(elf)) if PROGRAMS[name].get("runtime") else run_in_qemu(elf, machine_of(name))
 
 
 def memory_use(map_text):
@@ -101,7 +158,10 @@ def build(name, qvlink, work, show=False):
     """Compiles and links a program; returns its path."""
     work.mkdir(parents=True, exist_ok=True)
     objects = compile_program(name, work, show)
-    return link(name, qvlink, objects, library_copies(name, work, show), work, show)
+    archives = library_copies(name, work, show)
+    if PROGRAMS[name].get("runtime"):
+        archives.append(runtime_archive(name, work, show))
+    return link(name, qvlink, objects, archives, work, show)
 
 
 def main():
@@ -114,7 +174,7 @@ def main():
     work = opts.work / opts.program
     try:
         elf = build(opts.program, opts.qvlink, work, opts.show)
-        lines = run_in_qemu(elf)
+        lines = run_program(opts.program, elf)
     except Failed as e:
         sys.exit(f"{opts.program} failed: {e}")
     if opts.show:
@@ -122,7 +182,7 @@ def main():
         print("\nMemory:")
         for name, origin, length, used, _ in memory_use(map_file.read_text(encoding="latin-1")):
             print(f"  {name:<8} {origin:#010x}  {used:>8} of {length:>8} bytes used ({100 * used / length:.1f} %)")
-        print(f"The map of everything: {map_file}\n\n{opts.program}, running on {MACHINE} in QEMU, prints:\n")
+        print(f"The map of everything: {map_file}\n\n{opts.program}, running on {machine_of(opts.program)[0]} in QEMU, prints:\n")
     print(lines, end="")
     if lines != (HERE / opts.program / "expected.txt").read_text():
         sys.exit(f"{opts.program} printed something else than its expected.txt")

@@ -24,6 +24,10 @@ int (*functions[])(int) = {first, second, first, second};
 void *pointers[] = {text, zeros, mostly_zero, functions, pointers};
 
 static unsigned failures;
+static int early;
+
+/* Constructors run when variables have their values, and before main. */
+__attribute__((constructor)) static void construct(void) { early = text[0] == 'I' && mostly_zero[1023] == 0xC0FFEE; }
 
 static void check(const char *what, int ok) {
     print(what);
@@ -60,6 +64,7 @@ int main(void) {
     check("noise", noise_is_right());
     check("100 kB of table", table_is_right());
     check("functions", functions[0](4) == 5 && functions[3](4) == 8);
+    check("constructor", early);
     check("pointers", pointers[0] == text && pointers[3] == functions && pointers[4] == pointers);
     print("failures: ");
     print_number(failures);

@@ -25,6 +25,12 @@ TOLERATED = (
     # Output sections with contents are PROGBITS, whatever their inputs were.
     r"'\.init_array' has wrong type: expected INIT_ARRAY, is PROGBITS",
     r"'\.ARM\.exidx' has wrong type",
+    # What is stored encoded has no contents where it runs: start-up puts them there.
+    r"'\.data' has wrong type: expected PROGBITS, is NOBITS",
+    r"has unexpected type 8 for an executable section",
+    r"is executable but contains no executable sections",
+    # A piece that is swapped in as a whole may have code and variables.
+    r"'\.squares' is both executable and writable",
     # Sections without contents that follow each other have one file offset, which is taken for the segment before.
     r"not fully contained in segment of program header",
     r"is writable but contains no writable sections",
@@ -47,10 +53,10 @@ def check_file(elf):
 def check_image(elf):
     """Sections that occupy memory lie apart unless they take turns in one place, and nothing lies outside."""
     runs = [(s.addr, s.addr + s.size, s.name) for s in Elf(elf).sections if s.flags & 2 and s.size]
-    overlays = {".first", ".second"}
+    overlays = [{".first", ".second"}, {".sums", ".words", ".squares"}, {".overlay1", ".overlay2"}]
     for a in runs:
         for b in runs:
-            if a < b and a[1] > b[0] and not {a[2], b[2]} <= overlays:
+            if a < b and a[1] > b[0] and not any({a[2], b[2]} <= o for o in overlays):
                 raise run.Failed(f"{elf}: {a} overlaps {b}")
 
 
@@ -66,7 +72,7 @@ def main():
         try:
             elf = run.build(name, opts.qvlink, opts.work / name)
             again = run.build(name, opts.qvlink, opts.work / "again" / name)
-            printed = run.run_in_qemu(elf)
+            printed = run.run_program(name, elf)
             if printed != expected:
                 raise run.Failed(f"printed\n{printed}--- expected\n{expected}")
             check_file(elf)
@@ -75,8 +81,11 @@ def main():
                 raise run.Failed(f"{elf} and {again} differ")
             if not (elf.with_suffix(".map")).read_text(encoding="latin-1").strip():
                 raise run.Failed("the map file is empty")
+            if run.PROGRAMS[name].get("runtime"):  # no other linker makes what its start-up reads
+                print(f"{name}: ok")
+                continue
             peer = peer_link(name, opts.work / name)
-            if run.run_in_qemu(peer) != expected:
+            if run.run_in_qemu(peer, run.machine_of(name)) != expected:
                 raise run.Failed("linked by GNU ld the program prints something else")
             print(f"{name}: ok")
         except run.Failed as e:

@@ -207,6 +207,14 @@ static bool qualify_for_auto_zero_init(const LINKER_OBJECT* object) {
            name != abi->sysmem_section_name() && name != abi->args_section_name();
 }
 
+// Tables of functions that start-up calls stay where they are stored, although compilers mark them
+// as writable.
+static bool is_table_of_functions(const LINKER_OBJECT* object) {
+    const std::string_view name = object->name();
+    return name == Target->abi()->pinit_section_name() || name == ".preinit_array" ||
+           name == ".fini_array";
+}
+
 bool COPY_TABLE_DB::qualifies_for_cinit(LINKER_OBJECT* object,
                                         const std::set<const LINKER_OBJECT*>& exclude) {
     const ABI* abi = Target->abi();
@@ -214,7 +222,8 @@ bool COPY_TABLE_DB::qualifies_for_cinit(LINKER_OBJECT* object,
     if (collection != nullptr && !collection->has_content()) return false;
     if (!object->has_attr(PA_ALLOCATED) || object->has_attr(PA_EXEC | PA_NOLOAD | PA_NOINIT))
         return false;
-    if (abi->section_cannot_be_copied(object->name())) return false;
+    if (abi->section_cannot_be_copied(object->name()) || is_table_of_functions(object))
+        return false;
     if (!object->has_attr(PA_WRITE) && !abi->const_data_needs_cinit(object)) return false;
     if (exclude.contains(object)) return false;
     const LOCATOR* load = object->load_locator();
