@@ -1,6 +1,7 @@
 // Reading an archive: headers, long names, the symbol directory.
 #include "ELFLNK/archive/ar_file.h"
 
+#include "OBJEDIT04/ofe/object_file.h"
 #include "UTIL/file_handle_manager.h"
 
 #include <algorithm>
@@ -217,4 +218,19 @@ bool AR_FILE::member_at(uint64_t header_offset, AR_MEMBER& member) const {
 std::span<const uint8_t> AR_FILE::contents(const AR_MEMBER& member) const {
     if (member.offset > bytes_.size() || member.size > bytes_.size() - member.offset) return {};
     return bytes_.subspan(member.offset, member.size);
+}
+
+OFE::OF_FILE_HANDLE AR_FILE::open_member(const AR_MEMBER& member) const {
+    const std::span<const uint8_t> data = contents(member);
+    OFE::OF_FILE_HANDLE handle;
+    handle.bytes = data.data();
+    handle.size = data.size() <= UINT32_MAX ? static_cast<unsigned>(data.size()) : 0;
+    handle.name = name();
+    if (handle.size != 0) OFE::determine_file_properties(handle);
+    return handle;
+}
+
+OFE::OF_FORMAT AR_FILE::member_format(const AR_MEMBER& member) const {
+    const OFE::OF_FILE_HANDLE handle = open_member(member);
+    return handle.size != 0 ? handle.format : OFE::OF_FORMAT_UNKNOWN;
 }

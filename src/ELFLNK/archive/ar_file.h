@@ -7,7 +7,12 @@
 // read that isn't asked for: the symbol directory is a view into the archive, and the member list
 // is made by create_toc(). All offsets and sizes are checked against the archive's bytes; faults go
 // to a handler, so that the reader can be run on any bytes.
+//
+// The same class writes archives (ar_writer.cpp): members come and go in the list, then the whole
+// archive is written anew beside what it was read from.
 #pragma once
+
+#include "OBJEDIT04/ofe/of_types.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -24,10 +29,13 @@ enum AR_ABI { AR_ABI_UNKNOWN = 0, AR_ABI_NONE = 1, AR_ABI_FILENAMES = 2, AR_ABI_
 
 enum AR_ERROR_CODE {
     AR_NO_ERROR = 0,
-    AR_BAD_ARCHIVE, ///< not an archive, or one of a kind that is refused
-    AR_BAD_HEADER,  ///< a member header is cut short or corrupt
-    AR_BAD_NAME,    ///< a long name that the table doesn't have
-    AR_BAD_SYMTAB   ///< the symbol directory is cut short or corrupt
+    AR_BAD_ARCHIVE,   ///< not an archive, or one of a kind that is refused
+    AR_BAD_HEADER,    ///< a member header is cut short or corrupt
+    AR_BAD_NAME,      ///< a long name that the table doesn't have
+    AR_BAD_SYMTAB,    ///< the symbol directory is cut short or corrupt
+    AR_CANNOT_CREATE, ///< the new archive, or the copy of the old one, cannot be made
+    AR_CANNOT_WRITE,  ///< writing failed
+    AR_BAD_MEMBER     ///< a member cannot be read, or is too large for its header
 };
 
 using AR_ERROR_HANDLER = void (*)(AR_FILE*, AR_ERROR_CODE, const char*);
@@ -39,6 +47,7 @@ struct AR_MEMBER {
     uint64_t size = 0;          ///< bytes of contents
     uint64_t offset = 0;        ///< file offset of the contents
     uint64_t header_offset = 0; ///< file offset of the header: offset less 60
+    const char* file = nullptr; ///< for writing: the file on disk that replaces the contents
 };
 
 /// An entry of the symbol directory.
@@ -86,6 +95,22 @@ class AR_FILE {
     bool member_at(uint64_t header_offset, AR_MEMBER& member) const;
     /// A member's contents.
     std::span<const uint8_t> contents(const AR_MEMBER& member) const;
+    /// A member as an object file that is not yet read; its properties are settled.
+    OFE::OF_FILE_HANDLE open_member(const AR_MEMBER& member) const;
+    /// The object format of a member's contents.
+    OFE::OF_FORMAT member_format(const AR_MEMBER& member) const;
+
+    // ---- writing; each is false after an error
+
+    /// Adds a file under its base name, behind the others or in the place of the member of that
+    /// name. The file is read when the archive is written.
+    bool add_member(const char* path);
+    bool delete_member(std::string_view name);
+    /// Writes all members with a symbol directory over their global symbols; `abi` says in which
+    /// form long names go. What was there before stays until the new archive is complete.
+    bool write_archive(AR_ABI abi);
+    /// Puts back what write_archive() found, after a failure.
+    void cleanup();
 
   private:
     enum SPECIAL { ORDINARY, SYMBOL_DIRECTORY, NAMES_FILENAMES, NAMES_SLASHES };
@@ -104,6 +129,16 @@ class AR_FILE {
     }
     [[gnu::format(printf, 3, 4)]] bool error(AR_ERROR_CODE code, const char* format, ...);
 
+    struct OUTPUT;
+    bool open_new_ar(OUTPUT& out);
+    void calc_long_names(OUTPUT& out) const;
+    bool build_symbol_table(OUTPUT& out);
+    bool write_symbol_table(OUTPUT& out);
+    bool write_name_table(OUTPUT& out);
+    bool write_member(OUTPUT& out, size_t index);
+    bool write_header(OUTPUT& out, const char* name, int64_t date, uint64_t owner, uint64_t size);
+    bool copy_file(OUTPUT& out, std::span<const uint8_t> contents);
+
     std::string name_;
     std::span<const uint8_t> bytes_;
     AR_ERROR_HANDLER handler_;
@@ -113,4 +148,6 @@ class AR_FILE {
     std::string_view long_names_;
     std::vector<AR_SYMBOL> symbols_;
     std::vector<AR_MEMBER> members_;
+    std::string temporary_; ///< where the old archive went while the new one is written
+    bool writing_ = false;  ///< a new archive stands there that is not complete
 };

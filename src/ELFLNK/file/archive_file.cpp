@@ -14,7 +14,7 @@ const AR_MEMBER* ARCHIVE_FILE::member(unsigned header_offset) {
     return archive_->member_at(header_offset);
 }
 
-OBJ_FILE* ARCHIVE_FILE::loaded_member(unsigned header_offset) const {
+OBJ_FILE* ARCHIVE_FILE::loaded_member(unsigned header_offset) {
     const AR_MEMBER* found = archive_->member_at(header_offset);
     return found == nullptr ? nullptr : objects_[size_t(found - archive_->members().data())];
 }

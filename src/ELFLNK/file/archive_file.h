@@ -17,7 +17,7 @@ class ARCHIVE_FILE : public INPUT_FILE {
     bool is_archive_file() const override { return true; }
     virtual AR_FILE* AR_FILE_api() { return archive_.get(); }
     /// The members loaded so far, in the order of loading.
-    virtual const std::vector<OBJ_FILE*>& loaded_members() const { return loaded_; }
+    virtual const std::vector<OBJ_FILE*>& loaded_members() { return loaded_; }
     /// Loads the member whose header starts at that file offset; null after an error. A member is
     /// loaded once: the second call gives the same object.
     virtual OBJ_FILE* load_member(unsigned header_offset);
@@ -27,7 +27,7 @@ class ARCHIVE_FILE : public INPUT_FILE {
     /// All members, in file order.
     virtual const std::vector<AR_MEMBER>& members() { return archive_->members(); }
     /// The loaded object of that member, or null.
-    OBJ_FILE* loaded_member(unsigned header_offset) const;
+    virtual OBJ_FILE* loaded_member(unsigned header_offset);
 
   private:
     std::unique_ptr<AR_FILE> archive_;

@@ -3,6 +3,7 @@
 
 #include "DIAG/elnk_msgs.h"
 #include "DIAG/gen_msgs.h"
+#include "ELFLNK/autolib/libspec_file.h"
 #include "ELFLNK/file/archive_file.h"
 #include "ELFLNK/file/command_file.h"
 #include "ELFLNK/file/file_manager.h"
@@ -66,7 +67,14 @@ ARCHIVE_FILE* INPUT_FILE::identify_as_ar() {
     if (!AR_FILE::is_archive(file_->contents())) return nullptr;
     auto archive = std::make_unique<AR_FILE>(name_, file_, ar_error_handler);
     if (archive->read_headers(true)) archive->create_toc();
+    if (ARCHIVE_FILE* index = identify_as_libspec(archive)) return index;
     return new ARCHIVE_FILE(*this, std::move(archive));
+}
+
+/// An archive with the marker of an index library is one; takes the archive over.
+ARCHIVE_FILE* INPUT_FILE::identify_as_libspec(std::unique_ptr<AR_FILE>& archive) {
+    if (archive->find_member(LIBSPEC_FILE::MARKER) == nullptr) return nullptr;
+    return new LIBSPEC_FILE(*this, std::move(archive));
 }
 
 OBJ_FILE* INPUT_FILE::identify_member_as_obj(uint64_t offset, uint64_t size,

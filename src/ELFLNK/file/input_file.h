@@ -7,8 +7,10 @@
 #include "DIAG/source_position.h"
 
 #include <cstdint>
+#include <memory>
 
 class ARCHIVE_FILE;
+class AR_FILE;
 class COMMAND_FILE;
 class FHM_FILE;
 class OBJ_FILE;
@@ -67,6 +69,7 @@ class INPUT_FILE {
   private:
     bool open();
     ARCHIVE_FILE* identify_as_ar();
+    ARCHIVE_FILE* identify_as_libspec(std::unique_ptr<AR_FILE>& archive);
     COMMAND_FILE* identify_as_ascii();
 
     const char* name_;
