@@ -16,6 +16,7 @@ HERE = Path(__file__).resolve().parent
 TOOL = "arm-none-eabi-"
 CORTEX_M3 = ["-mcpu=cortex-m3", "-mthumb"]
 CORTEX_M4F = ["-mcpu=cortex-m4", "-mthumb", "-mfloat-abi=hard", "-mfpu=fpv4-sp-d16"]
+ARMV7_A = ["-march=armv7-a", "-mthumb", "-mfloat-abi=soft"]
 COMPILE = ["-O2", "-gdwarf-4", "-Wall", "-Wextra", "-ffunction-sections", "-fdata-sections",
            "-fno-tree-loop-distribute-patterns",  # a copy loop stays one: no call of a memcpy that is not there
            "-ffile-prefix-map={top}=."]
@@ -39,6 +40,8 @@ PROGRAMS = {
     "overlays": {"sources": [BOOT, "overlays/main.c", "overlays/sums.c", "overlays/words.c", "overlays/squares.c"],
                  "runtime": True},
     "crc": {"sources": [BOOT, "crc/main.c", "crc/data.s"], "runtime": True},
+    "farcall": {"sources": [STARTUP, "farcall/main.c"]},
+    "farcall-a15": {"sources": ["farcall-a15/start.s", "farcall-a15/main.c"], "machine": ("virt", "cortex-a15", ARMV7_A)},
     "exceptions": {"sources": [STARTUP, "exceptions/start.cpp", "exceptions/main.cpp", "exceptions/jobs.cpp",
                                "newlib/system.c"],
                    "archives": ["libstdc++.a", "libc.a", "libm.a", "libgcc.a"],
@@ -125,7 +128,8 @@ def link(name, qvlink, objects, archives, work, show=False):
 
 def run_in_qemu(elf, machine=MACHINE):
     """What the program prints; Failed when it ends with a status other than 0, or not at all."""
-    return run(QEMU + ["-M", machine[0], "-cpu", machine[1], "-kernel", elf])
+    network = ["-nic", "none"] if machine[0] == "virt" else []
+    return run(QEMU + network + ["-M", machine[0], "-cpu", machine[1], "-kernel", elf])
 
 
 def image_of(elf):

@@ -6,11 +6,20 @@
 extern "C" {
 #endif
 
+/* How a program enters the debugger: by its processor and the state of its code. */
+#if __ARM_ARCH_PROFILE == 'M'
+#define SEMIHOST_TRAP "bkpt 0xab"
+#elif defined(__thumb__)
+#define SEMIHOST_TRAP "svc 0xab"
+#else
+#define SEMIHOST_TRAP "svc 0x123456"
+#endif
+
 /* One semihosting call: operation and argument in, result out. */
 static inline int semihost(int operation, const void *argument) {
     register int r0 __asm__("r0") = operation;
     register const void *r1 __asm__("r1") = argument;
-    __asm__ volatile("bkpt 0xab" : "+r"(r0) : "r"(r1) : "memory");
+    __asm__ volatile(SEMIHOST_TRAP : "+r"(r0) : "r"(r1) : "memory");
     return r0;
 }
 

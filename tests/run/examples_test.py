@@ -60,6 +60,35 @@ def check_image(elf):
                 raise run.Failed(f"{elf}: {a} overlaps {b}")
 
 
+# The stubs that a program needs, and no others: by output section, what is called over which kind of stub.
+STUBS = {
+    "farcall": {(".text", "TT", name) for name in ("square", "sum_to", "mix", "tail")} |
+               {(".far", "TT", name) for name in ("twice", "add_one")},
+    "farcall-a15": {(".text", "TT", "far_thumb"), (".text", "AT", "far_thumb"), (".text", "AA", "far_arm"),
+                    (".text", "AT", "near_thumb"), (".text", "TA", "near_arm"), (".text", "AT", "report"),
+                    (".text", "AT", "finish"), (".far", "AT", "near_thumb"), (".far", "TT", "near_thumb"),
+                    (".far", "AA", "near_arm")},
+}
+
+
+def check_stubs(name, elf):
+    """The program has just the stubs that it needs, one of each kind, and each is branched to; all other branches out of a
+    function lead to functions."""
+    file = Elf(elf)
+    stubs = {s.value & ~1: s for s in file.symbols if s.name.startswith(("$Tramp$", "$Ven$"))}
+    found = sorted((s.section, s.name.split("$")[2], s.name.split("$$")[1]) for s in stubs.values())
+    if found != sorted(STUBS.get(name, ())):
+        raise run.Failed(f"{elf} has the stubs {found}")
+    if not stubs:
+        return
+    entries = {s.value & ~1 for s in file.symbols if s.type == "FUNC"}
+    text = run.run(["arm-none-eabi-objdump", "-d", elf])
+    targets = [int(t, 16) for t in re.findall(r"\t(?:blx?|b\.w|b|bne)\t([0-9a-f]+) ", text)]
+    unused, lost = stubs.keys() - set(targets), [t for t in targets if t not in entries]
+    if unused or lost:
+        raise run.Failed(f"{elf}: stubs without callers at {unused}, branches to {[hex(t) for t in lost]}")
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--qvlink", required=True, type=Path)
@@ -77,6 +106,7 @@ def main():
                 raise run.Failed(f"printed\n{printed}--- expected\n{expected}")
             check_file(elf)
             check_image(elf)
+            check_stubs(name, elf)
             if elf.read_bytes() != again.read_bytes():
                 raise run.Failed(f"{elf} and {again} differ")
             if not (elf.with_suffix(".map")).read_text(encoding="latin-1").strip():

@@ -55,5 +55,7 @@ uint64_t input_symbol_load_address(OFE::OF_SYMBOL* symbol);
 // The parts that have a file of their own.
 void map_section_allocation();
 void map_modules();
+void map_veneers();
+void map_far_calls();
 void map_global_symbols();
 void map_symbol_definitions();

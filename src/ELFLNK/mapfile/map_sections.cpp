@@ -4,11 +4,13 @@
 #include <cstring>
 
 #include "ELFLNK/build/build.h"
+#include "ELFLNK/compress/compressed_section.h"
 #include "ELFLNK/file/archive_file.h"
 #include "ELFLNK/file/file_manager.h"
 #include "ELFLNK/file/obj_file.h"
 #include "ELFLNK/locator/locator.h"
 #include "ELFLNK/mapfile/map_file.h"
+#include "ELFLNK/mapfile/map_origin.h"
 #include "ELFLNK/memmap/fill_spec.h"
 #include "ELFLNK/object/root_collection.h"
 #include "ELFLNK/object/section.h"
@@ -79,7 +81,18 @@ class MEMBER_PRINTER {
         Target->map_scn_alloc_input_object(member);
         print_origin(member);
         print_fill(member->fill());
+        print_load_image(as_section(member));
         mputs("\n");
+    }
+
+    // What an encoded load image is made by.
+    static void print_load_image(const SECTION* section) {
+        if (section == nullptr || !section->is_compressed_scn()) return;
+        const auto* image = static_cast<const COMPRESSED_SECTION*>(section);
+        if (image->is_compressed())
+            mprintf(" [load image, compression = %s]", image->compression_name());
+        else
+            mputs(" [load image]");
     }
 
     void print_gap(LINKER_OBJECT* object, uint64_t start, uint64_t length) {
@@ -107,29 +120,14 @@ class MEMBER_PRINTER {
         if (fill != nullptr && object_->has_attr(PA_HAS_DATA)) mprintf(" [fill = %s]", fill->str());
     }
 
-    // The file that a member comes from, and its name there. The library of the line before is left
-    // blank.
+    // The file that a member comes from, and its name there.
     void print_origin(LINKER_OBJECT* member) {
         const SECTION* section = as_section(member);
         if (section == nullptr) {
             mprintf("(%s)", member->name());
             return;
         }
-        const OBJ_FILE* file = section->orig_infile();
-        if (file != nullptr && file != file_manager.internal_file()) {
-            const ARCHIVE_FILE* library = file->archive();
-            if (library == nullptr) {
-                mprintf("%s ", file->base_name());
-            } else {
-                const char* base = fn_basename(library->name());
-                if (library == library_)
-                    mprintf("%*s", static_cast<int>(strlen(base)), "");
-                else
-                    mputs(base);
-                mprintf(" : %s ", file->member_name());
-            }
-            library_ = library;
-        }
+        origin_.print(section->orig_infile());
         mprintf("(%s)", section->object_file() != nullptr ? section->original_section_name()
                                                           : section->name());
     }
@@ -139,10 +137,26 @@ class MEMBER_PRINTER {
     uint64_t cursor_;
     LINKER_OBJECT* hole_ = nullptr;
     uint64_t hole_length_ = 0;
-    const ARCHIVE_FILE* library_ = nullptr;
+    MAP_ORIGIN origin_;
 };
 
 } // namespace
+
+void MAP_ORIGIN::print(const OBJ_FILE* file) {
+    if (file == nullptr || file == file_manager.internal_file()) return;
+    const ARCHIVE_FILE* library = file->archive();
+    if (library == nullptr) {
+        mprintf("%s ", file->base_name());
+    } else {
+        const char* base = fn_basename(library->name());
+        if (library == library_)
+            mprintf("%*s", static_cast<int>(strlen(base)), "");
+        else
+            mputs(base);
+        mprintf(" : %s ", file->member_name());
+    }
+    library_ = library;
+}
 
 void map_section_allocation() {
     mputs("SECTION ALLOCATION MAP\n");

@@ -28,11 +28,12 @@
 using namespace OFE;
 
 void generate_trampolines() {
-    if (!TRAMPOLINE::any() || is_partial_link() || !Target->linker_generates_trampolines()) return;
-    const std::vector<TRAMPOLINE*> trampolines = TRAMPOLINE::all();
-    for (TRAMPOLINE* trampoline : trampolines) trampoline->generate();
-    for (TRAMPOLINE* trampoline : trampolines) {
-        if (trampoline->is_patched()) continue;
+    if (!JUMP_ENT::any() || is_partial_link() || !Target->linker_generates_trampolines()) return;
+    const std::vector<JUMP_ENT*> entries = JUMP_ENT::all_placed();
+    for (JUMP_ENT* entry : entries) entry->generate();
+    for (JUMP_ENT* entry : entries) {
+        auto* trampoline = entry->is_trampoline() ? static_cast<TRAMPOLINE*>(entry) : nullptr;
+        if (trampoline == nullptr || trampoline->is_patched()) continue;
         trampoline->set_patched();
         if (trampoline->first_caller() == nullptr)
             trace_tramps.printf("No calls: null trampoline\n");
@@ -71,7 +72,7 @@ OF_SYMBOL* new_local_symbol(const char* name, OF_SYM_TYPE type) {
 } // namespace
 
 void create_jump_entry_symbols(bool final) {
-    if (!TRAMPOLINE::any()) return;
+    if (!JUMP_ENT::any()) return;
     std::vector<LINKER_OBJECT*> entries;
     root_collection->flatten(entries, &LINKER_OBJECT::is_jump_ent);
     for (LINKER_OBJECT* entry : entries)

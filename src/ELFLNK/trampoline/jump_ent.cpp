@@ -12,9 +12,19 @@
 #include "ELFLNK/trampoline/callee.h"
 #include "OBJEDIT04/machine/reloc_template.h"
 
+namespace {
+
+std::vector<JUMP_ENT*>& registry() {
+    static std::vector<JUMP_ENT*> made;
+    return made;
+}
+
+} // namespace
+
 JUMP_ENT::JUMP_ENT(CALLEE* callee, OBJ_FILE* file, const char* name)
     : SECTION(name), callee_(callee) {
     set_object_file(file);
+    registry().push_back(this);
 }
 
 const char* JUMP_ENT::jump_type_name() const {
@@ -37,32 +47,21 @@ void JUMP_ENT::generate() {
     choose_code();
 }
 
-// ---- trampolines ---------------------------------------------------------------------------
-
-namespace {
-
-std::vector<TRAMPOLINE*>& registry() {
-    static std::vector<TRAMPOLINE*> made;
-    return made;
-}
-
-} // namespace
-
-TRAMPOLINE::TRAMPOLINE(TRAMP_CALLEE* callee, OBJ_FILE* file, const char* name)
-    : JUMP_ENT(callee, file, name) {
-    registry().push_back(this);
-}
-
-bool TRAMPOLINE::any() {
+bool JUMP_ENT::any() {
     return !registry().empty();
 }
 
-std::vector<TRAMPOLINE*> TRAMPOLINE::all() {
-    std::vector<TRAMPOLINE*> live;
-    std::copy_if(registry().begin(), registry().end(), std::back_inserter(live),
-                 [](const TRAMPOLINE* t) { return t->is_placed(); });
-    return live;
+std::vector<JUMP_ENT*> JUMP_ENT::all_placed() {
+    std::vector<JUMP_ENT*> placed;
+    std::copy_if(registry().begin(), registry().end(), std::back_inserter(placed),
+                 [](const JUMP_ENT* entry) { return entry->is_placed(); });
+    return placed;
 }
+
+// ---- trampolines ---------------------------------------------------------------------------
+
+TRAMPOLINE::TRAMPOLINE(TRAMP_CALLEE* callee, OBJ_FILE* file, const char* name)
+    : JUMP_ENT(callee, file, name) {}
 
 TRAMP_CALLEE* TRAMPOLINE::tramp_callee() const {
     return static_cast<TRAMP_CALLEE*>(callee());

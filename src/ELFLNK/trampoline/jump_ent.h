@@ -29,6 +29,10 @@ class JUMP_ENT : public SECTION {
     /// The local symbol of the entry, in the output; null before the output has symbols.
     OFE::OF_SYMBOL* entry_symbol() const { return entry_symbol_; }
     bool is_generated() const { return generated_; }
+    /// All entries that have a place, in the order of their making.
+    static std::vector<JUMP_ENT*> all_placed();
+    /// Has any been made?
+    static bool any();
 
     /// Chooses the code; from here on neither it nor the size changes. Once.
     virtual void generate();
@@ -95,10 +99,6 @@ class TRAMPOLINE : public JUMP_ENT {
     const LINKER_OBJECT* home() const { return home_; }
     bool is_patched() const { return patched_; }
     void set_patched() { patched_ = true; }
-
-    /// All trampolines that were made and not discarded, in the order of their making.
-    static std::vector<TRAMPOLINE*> all();
-    static bool any();
 
   private:
     TRAMP_CALL_SITE* first_ = nullptr;

@@ -86,7 +86,7 @@ void LOCATOR::prune_trampolines() {
 }
 
 void LOCATOR::consolidate_trampolines(MEMORY_RANGE* range, bool final) {
-    if (!TRAMPOLINE::any()) return;
+    if (!JUMP_ENT::any()) return;
     std::vector<LOCATOR*> reserved;
     for (LOCATOR* item : range->contents())
         if (item->has_flag(LF_TRAMP_RES)) reserved.push_back(item);
@@ -112,7 +112,7 @@ void LOCATOR::detach_call_sites() {
 /// A layout that is given up takes with it the trampolines that have become members.
 void LOCATOR::drop_trampolines() {
     COLLECTION* collection = as_collection(object_);
-    if (collection == nullptr || !TRAMPOLINE::any()) return;
+    if (collection == nullptr || !JUMP_ENT::any()) return;
     std::erase_if(edit_sub_items(), [collection](LOCATOR* sub) {
         if (!sub->object()->is_trampoline()) return false;
         collection->remove_member(sub->object());
