@@ -23,8 +23,9 @@ std::string demangled_type_name(const char* mangled);
 template <class T>
 class OALLOC {
   public:
-    static void* operator new(size_t size);
-    // Not inline: a compiler that sees both sides takes the heap behind an unusual size for a mistake.
+    // Not inline: a compiler that sees into one of them takes the heap behind a size of another
+    // class for a mismatch with the other.
+    [[gnu::noinline]] static void* operator new(size_t size);
     [[gnu::noinline]] static void operator delete(void* object, size_t size);
 
     static const char* pool_name();
