@@ -18,20 +18,28 @@ bool is_empty(const char* text) {
     return text == nullptr || *text == '\0';
 }
 
-/// Plain text against a pattern: after a mismatch the last "*" takes one character more.
+/// Where, from `text` on, a pattern that stands behind a "*" can begin to match; null for nowhere.
+const char* next_start(const char* text, const char* pattern) {
+    return *pattern == '*' || *pattern == '?' ? text : std::strchr(text, *pattern);
+}
+
+/// Plain text against a pattern: after a mismatch the last "*" takes more, up to the next place
+/// where what stands behind it can begin.
 bool matches_text(const char* text, const char* pattern) {
     const char* star = nullptr;
     const char* resume = nullptr;
     while (*text != '\0') {
         if (*pattern == '*') {
             star = ++pattern;
-            resume = text;
+            text = resume = next_start(text, star);
+            if (text == nullptr) return false;
         } else if (*pattern == '?' || *pattern == *text) {
             ++pattern;
             ++text;
         } else if (star != nullptr) {
             pattern = star;
-            text = ++resume;
+            text = resume = next_start(resume + 1, star);
+            if (text == nullptr) return false;
         } else {
             return false;
         }
