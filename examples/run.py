@@ -61,8 +61,11 @@ def run(command, show=False, **kw):
     """Runs a command; its output comes back as text, and a status other than 0 is Failed."""
     if show:
         print("$ " + " ".join(shlex.quote(str(c)) for c in command), flush=True)
-    done = subprocess.run([str(c) for c in command], stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-                          stdin=subprocess.DEVNULL, timeout=120, **kw)
+    try:
+        done = subprocess.run([str(c) for c in command], stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+                              stdin=subprocess.DEVNULL, timeout=60, **kw)
+    except subprocess.TimeoutExpired as e:
+        raise Failed(f"{shlex.join(str(c) for c in command)}\ndoes not end: {(e.stdout or b'').decode('latin-1')}")
     text = done.stdout.decode("latin-1")
     if done.returncode:
         raise Failed(f"{shlex.join(str(c) for c in command)}\nstatus {done.returncode}\n{text}")

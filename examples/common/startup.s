@@ -1,9 +1,9 @@
 @ Start-up of a Cortex-M program: the vector table, and the code that makes C's promises true before main runs.
 @ The command file defines the symbols that begin with __ here.
     .syntax unified
-    .arch   armv7-m
     .thumb
     .eabi_attribute 25, 1       @ Tag_ABI_align_preserved: calls find the stack aligned to 8 bytes, as C requires
+    .eabi_attribute 28, 3       @ Tag_ABI_VFP_args: no call passes floating point, whatever registers it would go in
 
 @ Nothing refers to the vector table or to the stack section, so the command file keeps them with --retain.
     .section .isr_vector, "a", %progbits

@@ -69,4 +69,5 @@ void _exit(int status) { leave(status); }
 
 void _fini(void) {}
 
-void start(void) { exit(main()); }
+/* A program with more to do before main has its own. */
+__attribute__((weak)) void start(void) { exit(main()); }

@@ -8,8 +8,10 @@
 #include <cstring>
 #include <fcntl.h>
 #include <sys/mman.h>
+#include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <unordered_set>
 
 namespace {
 
@@ -167,6 +169,7 @@ FHM_FILE* FILE_HANDLE_MANAGER::open(const char* name, const char* mode) {
         errno = saved;
         return nullptr;
     }
+    (file->is_writable() ? written_ : read_).push_back(file->name_);
     return enter(file);
 }
 
@@ -185,7 +188,16 @@ FHM_FILE* FILE_HANDLE_MANAGER::open_input(const char* name) {
     }
     file->open_order_ = access_counter_;
     stamp(file);
+    read_.push_back(file->name_);
     return enter(file);
+}
+
+std::vector<std::string> FILE_HANDLE_MANAGER::inputs_read() const {
+    std::unordered_set<std::string_view> known(written_.begin(), written_.end());
+    std::vector<std::string> names;
+    for (const std::string& name : read_)
+        if (known.insert(name).second) names.push_back(name);
+    return names;
 }
 
 int FILE_HANDLE_MANAGER::find_free_handle() const {

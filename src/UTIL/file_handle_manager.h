@@ -106,6 +106,10 @@ class FILE_HANDLE_MANAGER {
     FHM_FILE* std_out() { return stdout_; }
     FHM_FILE* std_err() { return stderr_; }
 
+    /// The names of all files that were opened only to be read, each once, in that order. Files that
+    /// this process has written are none of them.
+    std::vector<std::string> inputs_read() const;
+
     /// The report of all open files, by access and by opening.
     void stats(FILE* to) const;
 
@@ -130,6 +134,8 @@ class FILE_HANDLE_MANAGER {
     FHM_FILE* make_standard(const char* name, const char* mode, FILE* fp);
 
     std::vector<FHM_FILE*> files_;
+    std::vector<std::string> read_;
+    std::vector<std::string> written_;
     FHM_FILE* handles_[HANDLE_CAPACITY] = {};
     int file_count_ = 0;
     uint64_t access_counter_ = 0;

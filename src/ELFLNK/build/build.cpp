@@ -17,6 +17,7 @@
 #include "ELFLNK/crc/crc_table.h"
 #include "ELFLNK/table/copy_table_db.h"
 #include "ELFLNK/target/abi.h"
+#include "ELFLNK/symver/symver_table.h"
 #include "ELFLNK/target/target.h"
 #include "ELFLNK/write/outsym_attr_manager.h"
 #include "OBJEDIT04/ofe/object_file.h"
@@ -183,6 +184,7 @@ void originate() {
     trace_orig.printf("\n\nORIGINATE LINKER-GENERATED OBJECTS\n");
     Target->abi()->default_allocation();
     Target->abi()->define_link_time_constants();
+    symver_table.check_support();
     Target->abi()->dynamic_object_originate();
     global_copy_table_db->originate();
     global_crc_table_db->originate();

@@ -5,6 +5,7 @@
 #include "ELFLNK/build/build.h"
 #include "ELFLNK/build/build_state.h"
 #include "ELFLNK/object/root_collection.h"
+#include "ELFLNK/object/section.h"
 #include "ELFLNK/target/abi.h"
 #include "ELFLNK/target/target.h"
 #include "OBJEDIT04/elf/elf_section.h"
@@ -22,6 +23,8 @@ OFE::OF_SECTION* new_output_section(LINKER_OBJECT* object) {
     OFE::OF_SECTION* section = output_OF_FILE()->section_table()->new_section(object->name());
     if (OFE::OF_SYMBOL* symbol = section->create_section_symbol()) symbol->set_final(true);
     section->set_ext_flags(object->qv_flags() & ~QV_FLAG_EMPTY);
+    if (object->is_exidx() && section->ofile()->format() == OFE::OF_FORMAT_ELF)
+        OFE::elf_api(section)->set_sh_type(OFE::SHT_ARM_EXIDX);
     object->set_output_OF_SECTION(section);
     trace_build.printf("--> output section %s\n", object->name());
     return section;
@@ -47,20 +50,44 @@ void set_alignment(OFE::OF_SECTION* section, LINKER_OBJECT* object) {
     section->set_align(narrow<unsigned>(align));
 }
 
-// Thread-local sections give their attribute to no collection. In a file for a further link the
-// next linker has to know.
-bool is_tls(LINKER_OBJECT* object) {
-    if (object->has_attr(PA_TLS) || !is_partial_link()) return object->has_attr(PA_TLS);
+// In a file for a further link the next linker has to know what the first input section says of
+// itself; it stands for all of them.
+LINKER_OBJECT* first_member(LINKER_OBJECT* object) {
     while (COLLECTION* collection = as_collection(object)) {
-        if (collection->members().empty()) return false;
+        if (collection->members().empty()) return nullptr;
         object = collection->members().front();
     }
-    return object->has_attr(PA_TLS);
+    return object;
+}
+
+// Thread-local sections give their attribute to no collection.
+bool is_tls(LINKER_OBJECT* object) {
+    if (object->has_attr(PA_TLS) || !is_partial_link()) return object->has_attr(PA_TLS);
+    const LINKER_OBJECT* first = first_member(object);
+    return first != nullptr && first->has_attr(PA_TLS);
+}
+
+// What is called and kept by its type: the index for unwinding, the tables of initialisers.
+bool keeps_its_type(unsigned type) {
+    return type == OFE::SHT_ARM_EXIDX || type == OFE::SHT_INIT_ARRAY ||
+           type == OFE::SHT_FINI_ARRAY || type == OFE::SHT_PREINIT_ARRAY;
+}
+
+unsigned section_type(const OFE::ELF_SECTION* section, LINKER_OBJECT* object) {
+    if (is_partial_link()) {
+        if (keeps_its_type(section->sh_type())) return section->sh_type();
+        SECTION* first = as_section(first_member(object));
+        OFE::OF_SECTION* input = first != nullptr ? first->OF_SECTION_api() : nullptr;
+        OFE::OF_RAW_SECTION header;
+        if (input != nullptr && input->section_table()->raw_section(input->id(), header) &&
+            keeps_its_type(header.type))
+            return header.type;
+    }
+    return object->has_attr(PA_HAS_DATA) ? OFE::SHT_PROGBITS : OFE::SHT_NOBITS;
 }
 
 void set_type_and_flags(OFE::ELF_SECTION* section, LINKER_OBJECT* object) {
-    if (!(section->sh_type() == OFE::SHT_ARM_EXIDX && is_partial_link()))
-        section->set_sh_type(object->has_attr(PA_HAS_DATA) ? OFE::SHT_PROGBITS : OFE::SHT_NOBITS);
+    section->set_sh_type(section_type(section, object));
     unsigned flags = 0;
     if (object->has_attr(PA_ALLOCATED) && !object->has_attr(PA_NOLOAD)) {
         flags |= OFE::SHF_ALLOC;

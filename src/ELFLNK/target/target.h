@@ -59,6 +59,10 @@ class TARGET {
     virtual void check_linker_compatibility(OBJ_FILE*) {}
     /// The comparison of an input with the output, set up; null if the target makes none.
     virtual FCOMPAT* fcompat(OBJ_FILE*, OBJ_FILE*) { return nullptr; }
+    /// The first version of the compiler whose objects fit the run-time library; null if all do.
+    virtual const char* first_version_without_dinkum() const { return nullptr; }
+    /// True if the run-time library of the link is of the kind that older C objects don't fit.
+    virtual bool dinkum_exported_symbols() const { return false; }
     virtual void check_advice() {}
     virtual void add_migration_assistance_symbols(OBJ_FILE*) {}
     virtual bool is_static_reloc_file(OFE::OBJECT_FILE*) const { return false; }

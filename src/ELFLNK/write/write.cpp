@@ -13,6 +13,7 @@
 #include "ELFLNK/symbol/symbol_table.h"
 #include "ELFLNK/target/abi.h"
 #include "ELFLNK/target/target.h"
+#include "ELFLNK/write/dependency_file.h"
 #include "ELFLNK/write/make_static.h"
 #include "ELFLNK/write/output_writer.h"
 #include "ELFLNK/write/outsym_attr_manager.h"
@@ -187,5 +188,6 @@ void write() {
     check_loadable();
     Target->abi()->check_outfile();
     Target->abi()->write_auxillary_files();
+    if (DIAGNOSTIC::error_count_m == 0) write_dependency_file(output_name());
     trace_build.pop();
 }

@@ -110,6 +110,12 @@ void ARM_MACHINE_DB::rel_build_type_table(OF_MACHINE_RELTYPES& types, OF_FORMAT 
     if (format == OF_FORMAT_ELF) types.add_rows(ELF_TYPES);
 }
 
+void ARM_MACHINE_DB::set_target2_relative(bool relative) {
+    constexpr unsigned R_ARM_TARGET2 = 41;
+    shared_machine_reltypes(OF_MACHINE_ARM, OF_FORMAT_ELF)
+        .set_template(R_ARM_TARGET2, relative ? OFR_PCRLONG : OFR_ARM_TARGET2);
+}
+
 bool ARM_MACHINE_DB::elf_special_section_name(ELF_SECTION_TABLE*, const char* name,
                                               const char*& special) {
     for (const NAME_PAIR& pair : SPECIAL_NAMES)

@@ -33,6 +33,8 @@ class ARM_MACHINE_DB final : public OF_MACHINE_DB {
 
     // The database of a file as ARM's; null for a null file or another machine.
     static ARM_MACHINE_DB* of(OBJECT_FILE* file);
+    // What the type R_ARM_TARGET2 means, which is up to the platform: S + A, or S + A - P.
+    static void set_target2_relative(bool relative);
 
     OF_MACHINE machine() const override { return OF_MACHINE_ARM; }
     unsigned qvcoff_magic() const override { return 0x97; }

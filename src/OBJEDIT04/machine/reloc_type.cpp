@@ -57,6 +57,16 @@ const OF_RELOC_TYPE* OF_MACHINE_RELTYPES::by_name(const char* name) const {
     return nullptr;
 }
 
+bool OF_MACHINE_RELTYPES::set_template(uint32_t machine_type, uint32_t template_id) {
+    for (const auto& type : types_) {
+        if (type->machine_type != machine_type) continue;
+        type->template_id = template_id;
+        type->rel_template = reloc_template(template_id);
+        return true;
+    }
+    return false;
+}
+
 bool OF_MACHINE_RELTYPES::remap(uint32_t from, uint32_t to) {
     const OF_RELOC_TYPE* type = by_template(to);
     if (!type) return false;

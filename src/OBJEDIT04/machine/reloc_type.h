@@ -56,6 +56,8 @@ class OF_MACHINE_RELTYPES {
 
     // From now on the template `from` is expressed by the type of the template `to`.
     bool remap(uint32_t from, uint32_t to);
+    // From now on the type of that machine number is worked out by another template.
+    bool set_template(uint32_t machine_type, uint32_t template_id);
 
   private:
     OF_RELOC_TYPE* new_type(std::string name, uint32_t machine_type, uint32_t template_id);

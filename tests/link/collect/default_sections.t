@@ -45,4 +45,4 @@ unwind.o link.cmd -o out.elf --entry_point=_start
 --- readelf -S
 .ARM.exidx PROGBITS
 --- section
-.ARM.exidx 0x108 0x10
+.ARM.exidx 0x108 0x8

@@ -18,7 +18,11 @@ class ARM_TARGET final : public TARGET {
 
     void check_linker_compatibility(OBJ_FILE* file) override;
     FCOMPAT* fcompat(OBJ_FILE* output, OBJ_FILE* file) override;
+    const char* first_version_without_dinkum() const override { return "15.3.0"; }
+    bool dinkum_exported_symbols() const override;
     void update_upon_scanning() override;
+    bool wants_update_symbol(const char* name) const override;
+    void update_symbol(OFE::OF_SYMBOL* symbol) override;
     void report_undef_symbol(OFE::OF_SYMBOL* symbol) override;
 
     unsigned fill_max_width() const override { return 32; }

@@ -1,0 +1,66 @@
+// The unwinding index of the program (of one output section in a partial link).
+//
+// Its size hangs on the addresses of the code: neighbours that say the same are joined. So it is
+// placed after the code, sorts and shortens itself when a range is about to be tried, and is locked
+// once it has its place.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "ELFLNK/object/collection.h"
+
+namespace OFE {
+class OF_SYMBOL;
+}
+class EXIDX_SECTION;
+
+namespace EXIDX {
+
+class EXIDX_TABLE : public COLLECTION {
+  public:
+    explicit EXIDX_TABLE(const char* name);
+
+    bool is_exidx() const override { return true; }
+    void update_before_placement(PLACEMENT_PHASE phase) override;
+    void update_upon_placement() override;
+    void dump_header(PPRINT* out) override;
+    void dump_properties(PPRINT* out) override;
+    /// Nothing: the members are known.
+    SECTION_SPEC* set_default_spec() override { return nullptr; }
+
+    void add_piece(EXIDX_SECTION* piece);
+    /// Start and end of the table, under the names that run-time libraries look for.
+    void define_exidx_symbols();
+    /// The entry behind the last function.
+    void add_table_terminator(EXIDX_SECTION* piece);
+    /// Both words say the same wherever they stand: "cannot be unwound", or instructions in line.
+    static bool is_same_extab(uint32_t a, uint32_t b);
+    /// The one entry of `cur` says what the last entry of `prev` says.
+    static bool can_exidx_be_eliminated(OFE::OF_SECTION* prev, OFE::OF_SECTION* cur);
+
+    bool is_sorted() const { return sorted_; }
+
+  private:
+    void sort_by_code();
+    void optimize();
+    void update_table_terminator();
+    void patch_aliased_symbol_references();
+
+    EXIDX_SECTION* terminator_ = nullptr;
+    SECTION* last_code_ = nullptr;          // the code at the highest address
+    std::vector<LINKER_OBJECT*> taken_out_; // joined with the piece before them
+    bool sorted_ = false;
+    bool locked_ = false;
+};
+
+/// A piece of one entry, "cannot be unwound", in the internal file and in the link; with a symbol,
+/// the entry is for the symbol's address.
+EXIDX_SECTION* new_default_piece(const char* name, OFE::OF_SYMBOL* symbol);
+/// Assigns `name` an address operator (an EXPR_OPCODE) of the object, and makes a symbol of the
+/// internal file that refers to it.
+OFE::OF_SYMBOL* create_local_symbol(const char* name, int opcode, LINKER_OBJECT* object);
+/// Gives the entry of a default piece the address of a symbol.
+void add_entry_address(EXIDX_SECTION* piece, OFE::OF_SYMBOL* symbol);
+
+} // namespace EXIDX
