@@ -10,6 +10,8 @@
 #include "ELFLNK/symbol/symbol_table.h"
 #include "ELFLNK/target/abi.h"
 #include "ELFLNK/target/target.h"
+#include "OBJEDIT04/elf/elf_symbol.h"
+#include "OBJEDIT04/elf/elf_symbol_table.h"
 #include "OBJEDIT04/ofe/object_file.h"
 #include "OBJEDIT04/ofe/of_group_table.h"
 #include "OBJEDIT04/ofe/of_section.h"
@@ -36,6 +38,14 @@ bool is_visible(const OF_SYMBOL* sym) {
     return sym->visibility() != OFE::OF_VIS_INTERNAL && sym->visibility() != OFE::OF_VIS_HIDDEN;
 }
 
+// A version that only programs linked against it long ago ask for: its index has the highest bit.
+bool has_hidden_version(OF_SYMBOL* sym) {
+    if (sym->ofile()->format() != OFE::OF_FORMAT_ELF) return false;
+    auto* symbols = static_cast<OFE::ELF_SYMBOL_TABLE*>(sym->symbol_table());
+    if (symbols->versym_table() == nullptr) return false;
+    return static_cast<int16_t>(static_cast<OFE::ELF_SYMBOL*>(sym)->version_index()) < 0;
+}
+
 } // namespace
 
 bool SYMBOL_TABLE::is_bound(OF_SYMBOL* sym) const {
@@ -50,7 +60,7 @@ bool SYMBOL_TABLE::is_defined_in_comdat(OF_SYMBOL* sym) const {
 }
 
 bool SYMBOL_TABLE::is_exported_by_shared_object(OF_SYMBOL* sym) const {
-    return is_visible(sym) && is_definition(sym);
+    return is_visible(sym) && is_definition(sym) && !has_hidden_version(sym);
 }
 
 bool SYMBOL_TABLE::is_imported_def(OF_SYMBOL* sym) const {

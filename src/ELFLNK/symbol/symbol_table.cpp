@@ -64,7 +64,10 @@ void SYMBOL_TABLE::add_entry_name(const char* name) {
 
 void SYMBOL_TABLE::remove_entry_name(const char* name) {
     const uint32_t id = names_.find(name);
-    if (id != NAME_TABLE::NO_NAME) records_[id].flags &= static_cast<uint8_t>(~ENTRY_NAME);
+    if (id == NAME_TABLE::NO_NAME) return;
+    records_[id].flags &= static_cast<uint8_t>(~(ENTRY_NAME | ENTRY_SYM));
+    std::erase_if(entry_symbols_,
+                  [=](const OF_SYMBOL* sym) { return strcmp(sym->name(), name) == 0; });
 }
 
 void SYMBOL_TABLE::add_entry_symbol(OF_SYMBOL* sym) {

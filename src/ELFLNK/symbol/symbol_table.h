@@ -53,6 +53,7 @@ class SYMBOL_TABLE {
 
     // ---- roots and plain names
     void add_entry_name(const char* name);
+    /// The name is no root any more, nor is a symbol that was entered for it.
     void remove_entry_name(const char* name);
     void add_entry_symbol(OFE::OF_SYMBOL* sym);
     void add_undef_name(const char* name);
