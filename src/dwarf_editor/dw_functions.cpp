@@ -13,12 +13,13 @@ namespace DWE {
 
 namespace {
 
-constexpr unsigned DW_TAG_subprogram = 0x2e;
+constexpr unsigned DW_TAG_compile_unit = 0x11, DW_TAG_subprogram = 0x2e;
 constexpr unsigned DW_UT_compile = 1, DW_UT_partial = 3;
 enum ATTRIBUTE : unsigned {
     DW_AT_name = 0x03,
     DW_AT_low_pc = 0x11,
     DW_AT_high_pc = 0x12,
+    DW_AT_language = 0x13,
     DW_AT_abstract_origin = 0x31,
     DW_AT_specification = 0x47,
     DW_AT_str_offsets_base = 0x72,
@@ -117,6 +118,7 @@ class INFO_READER {
           addr_(file, ".debug_addr") {}
 
     std::vector<DW_FUNCTION> run();
+    const std::vector<unsigned>& languages() const { return languages_; }
 
   private:
     void read_unit(DW_READER& r);
@@ -129,7 +131,8 @@ class INFO_READER {
     ABBREVS abbrevs_;
     size_t abbrevs_offset_ = ~size_t{0};
     std::vector<SUBPROGRAM> found_; // by offset
-    size_t unit_ = 0;               // where the unit begins
+    std::vector<unsigned> languages_;
+    size_t unit_ = 0; // where the unit begins
     uint64_t str_offsets_base_ = 8, addr_base_ = 8;
 };
 
@@ -250,6 +253,8 @@ void INFO_READER::read_unit(DW_READER& r) {
             if (spec.id == DW_AT_str_offsets_base) str_offsets_base_ = value.number;
             if (spec.id == DW_AT_addr_base) addr_base_ = value.number;
             if (abbrev->second.tag == DW_TAG_subprogram) note(entry, spec.id, value);
+            if (abbrev->second.tag == DW_TAG_compile_unit && spec.id == DW_AT_language && r.ok())
+                languages_.push_back(static_cast<unsigned>(value.number));
         }
         if (r.ok() && abbrev->second.tag == DW_TAG_subprogram) found_.push_back(entry);
     }
@@ -292,6 +297,12 @@ std::vector<DW_FUNCTION> INFO_READER::run() {
 
 std::vector<DW_FUNCTION> read_dw_functions(OFE::OBJECT_FILE* file) {
     return INFO_READER(file).run();
+}
+
+std::vector<unsigned> read_dw_languages(OFE::OBJECT_FILE* file) {
+    INFO_READER reader(file);
+    reader.run();
+    return reader.languages();
 }
 
 DW_SOURCE_MAP::DW_SOURCE_MAP(OFE::OBJECT_FILE* file)

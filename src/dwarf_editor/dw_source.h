@@ -42,6 +42,8 @@ struct DW_FUNCTION {
 // the sections refer to.
 DW_LINES read_dw_lines(const DW_DATA& line, const DW_DATA& str, const DW_DATA& line_str);
 std::vector<DW_FUNCTION> read_dw_functions(OFE::OBJECT_FILE* file);
+// The source language of each compilation unit that names one, as DW_LANG_ numbers.
+std::vector<unsigned> read_dw_languages(OFE::OBJECT_FILE* file);
 
 class DW_SOURCE_MAP {
   public:

@@ -191,4 +191,5 @@ void scan_static_linking_file(OBJ_FILE* file) {
         SYMBOL_SCAN(file, symbols, has_aliases).run();
     merge_file_attributes(file);
     Target->abi()->check_file_compatibility(file);
+    check_dinkum_compatibility(file);
 }

@@ -244,6 +244,10 @@ OF_SECTION* ELF_SECTION_TABLE::section_name(const char* name, unsigned start) {
     return nullptr;
 }
 
+bool ELF_SECTION_TABLE::names_contain(const char* text) const {
+    return names_ && memmem(names_, names_limit_, text, std::strlen(text)) != nullptr;
+}
+
 // One search in the string pool spares a compare per section where the name does not occur at all.
 unsigned ELF_SECTION_TABLE::lookup_section_by_name(const char* name) {
     if (names_ && !any_loaded_ && !memmem(names_, names_limit_, name, std::strlen(name) + 1))

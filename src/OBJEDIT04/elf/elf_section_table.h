@@ -61,6 +61,7 @@ class ELF_SECTION_TABLE final : public OF_SECTION_TABLE {
         return id < group_of_.size() && group_of_[id] && group_of_[id] != group;
     }
     const char* raw_name(unsigned id); // never null
+    bool names_contain(const char* text) const; // in a file that was read: some name does
 
     static const ELF_SPECIAL_SECTION* special_section(const char* name);
     const char* machine_special_section_name(const char* name);

@@ -3,11 +3,16 @@
 #include "ELFLNK/target/arm/arm_eabi.h"
 #include "ELFLNK/target/arm/arm_target.h"
 #include "ELFLNK/target/init_order.h"
+#include "OBJEDIT04/attributes/build_attr_table.h"
+#include "OBJEDIT04/ofe/object_file.h"
+#include "OBJEDIT04/ofe/of_symbol.h"
+#include "OBJEDIT04/ofe/of_symbol_table.h"
 #include "OPTIONGEN/option_obj.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -157,6 +162,33 @@ TEST_F(Convention, macros_follow_the_silicon_version) {
     target.target_enter_predefined_macros(macros);
     EXPECT_EQ(macros, (std::vector<std::string>{"__ALPINE__=1", "__QV_ARM__=1", "__QV_ARM_V7__=1",
                                                 "__QV_ARM_V7M__=1", "__QV_ARM_V7M4__=1"}));
+}
+
+// References to conversions of objects that this vendor's compiler made before it named them apart.
+TEST(ArmTarget, old_objects_with_a_coprocessor_mean_the_conversions_for_it) {
+    const struct {
+        const char* producer;
+        unsigned major, minor, patch, fp;
+        const char* name;
+        const char* after;
+    } cases[] = {{"QV", 4, 5, 2, 3, "__aeabi_l2f", "__aeabi_l2f_QV_VFP"},
+                 {"QV", 4, 4, 9, 3, "__aeabi_d2ulz", "__aeabi_d2ulz_QV_VFP"},
+                 {"QV", 4, 5, 3, 3, "__aeabi_l2f", "__aeabi_l2f"},
+                 {"QV", 5, 0, 0, 3, "__aeabi_l2f", "__aeabi_l2f"},
+                 {"QV", 4, 5, 2, 0, "__aeabi_l2f", "__aeabi_l2f"},
+                 {"QV", 4, 5, 2, 3, "__aeabi_fadd", "__aeabi_fadd"},
+                 {"other", 4, 5, 2, 3, "__aeabi_l2f", "__aeabi_l2f"}};
+    for (const auto& c : cases) {
+        const std::unique_ptr<OFE::OBJECT_FILE> file(OFE::new_OBJECT_FILE(
+            OFE::OF_FORMAT_ELF, OFE::OF_FORMAT_VER_ELF1, OFE::OF_MACHINE_ARM, nullptr, "a.o"));
+        file->set_producer(c.producer, c.major, c.minor, c.patch);
+        file->abi_battr_create(10)->val.uval = c.fp;
+        OFE::OF_SYMBOL* symbol = file->symbol_table()->new_symbol();
+        symbol->set_name(c.name);
+        EXPECT_EQ(Target->wants_update_symbol(c.name), std::string(c.name) != "__aeabi_fadd");
+        Target->update_symbol(symbol);
+        EXPECT_STREQ(symbol->name(), c.after) << c.producer << c.patch << c.fp;
+    }
 }
 
 } // namespace
