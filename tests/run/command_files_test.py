@@ -5,8 +5,8 @@ A fenced block of the chapter belongs to the comment line in front of it:
 
     <!-- file NAME -->            the block is a file; *.s are assembled
     <!-- archive NAME MEMBER... -->   no block: an archive of what was assembled
-    <!-- example ARGS... -->      the block is app.cmd; it is linked behind the objects and board.cmd, with the further
-                                  arguments. An example with a MEMORY directive gets only the options of board.cmd
+    <!-- example ARGS... -->      the block is app.cmd; it is linked behind the objects, board.cmd and the
+                                  arguments. One with a MEMORY directive gets only the options of board.cmd
 
 Behind an example, up to the next one, stand what must come out: tables (their first heading says of what: `section` with
 `address`, `size`, `loaded at`, `bytes`, or `symbol` with `value`) and a block in ```text``` with the messages, exact but
@@ -130,7 +130,7 @@ def link(example, qvlink, work):
     out.unlink(missing_ok=True)
     (work / "app.cmd").write_text(example.text)
     board = "options.cmd" if re.search(r"^MEMORY", example.text, re.M) else "board.cmd"
-    done = subprocess.run([qvlink, *OBJECTS, board, "app.cmd", "-o", "out.elf", *example.args], cwd=work, timeout=60,
+    done = subprocess.run([qvlink, *OBJECTS, board, *example.args, "app.cmd", "-o", "out.elf"], cwd=work, timeout=60,
                           stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
     faults = []
     if words(done.stdout) != words(example.messages):
