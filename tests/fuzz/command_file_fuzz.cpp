@@ -11,6 +11,7 @@
 #include "ELFLNK/object/section_spec.h"
 #include "ELFLNK/object/space.h"
 #include "ELFLNK/parse_lcf/lcf_parser.h"
+#include "OPTIONGEN/option_obj.h"
 #include "fuzz.h"
 
 namespace {
@@ -82,6 +83,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     use(endless);
     DIAGNOSTIC::fp_m = nowhere;
     DIAGNOSTIC::max_errors_m = ~0u;
+    if (global_opts == nullptr) global_opts = new option_obj(true);
     memory_map->clear();
     root_collection = new ROOT_COLLECTION;
     PARSER parser({reinterpret_cast<const char*>(data), size});

@@ -2,10 +2,12 @@
 // and live until the process ends.
 #include "ELFLNK/compress/compress_db.h"
 #include "ELFLNK/crc/crc_table.h"
+#include "ELFLNK/ecc/ecc_manager.h"
 #include "ELFLNK/file/file_manager.h"
 #include "ELFLNK/memmap/memory_map.h"
 #include "ELFLNK/object/root_collection.h"
 #include "ELFLNK/symbol/symbol_table.h"
+#include "ELFLNK/symver/symver_table.h"
 #include "ELFLNK/table/copy_table_db.h"
 #include "ELFLNK/write/outsym_attr_manager.h"
 #include "OPTIONGEN/option_obj.h"
@@ -26,6 +28,10 @@ static COMPRESS_DB the_compressed_sections;
 COMPRESS_DB* global_compress_db = &the_compressed_sections;
 static CRC_TABLE_DB the_crc_tables;
 CRC_TABLE_DB* global_crc_table_db = &the_crc_tables;
+
+ECC_MANAGER ecc_manager;
+
+SYMVER_TABLE symver_table;
 
 OUTSYM_ATTR_MANAGER outsym_attr_manager;
 

@@ -10,6 +10,11 @@ class MEMORY_MAP : public std::list<MEMORY_RANGE*> {
   public:
     /// Checks the range against the map, enters it in every case, and sorts.
     void add(MEMORY_RANGE* range);
+    /// Forgets all ranges.
+    void clear() {
+        std::list<MEMORY_RANGE*>::clear();
+        index_ = {};
+    }
     /// First range of that name on the page, or on any page.
     MEMORY_RANGE* lookup_by_name(const char* name, int page) const;
     MEMORY_RANGE* lookup_by_name(const char* name) const;

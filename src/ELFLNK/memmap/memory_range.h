@@ -13,6 +13,7 @@
 #include "ELFLNK/memmap/hole_index.h"
 
 class FILL_SPEC;
+struct ECC_SPECIFICATION;
 class LOCATOR;
 
 /// LOCATOR::less_by_address as a predicate of sets.
@@ -58,6 +59,7 @@ class MEMORY_RANGE {
     void add_fill(FILL_SPEC* fill, const SOURCE_POSITION* pos, bool vfill);
     void add_alias(MEMORY_RANGE* alias, const SOURCE_POSITION* pos);
     void set_cregister(int n) { cregister_ = n; }
+    void set_ecc_spec(ECC_SPECIFICATION* spec) { ecc_spec_ = spec; }
 
     const char* name() const { return name_; }
     const SOURCE_POSITION& source_position() const { return position_; }
@@ -73,6 +75,8 @@ class MEMORY_RANGE {
     bool has_fill() const { return fill_set_; }
     bool has_vfill() const { return vfill_set_; }
     MEMORY_RANGE* alias() const { return alias_; }
+    /// The specification that computes ECC bytes from this range or into it, or null.
+    ECC_SPECIFICATION* ecc_spec() const { return ecc_spec_; }
     bool has_page() const { return page_set_; }
     bool has_origin() const { return origin_set_; }
     bool has_length() const { return length_set_; }
@@ -156,6 +160,7 @@ class MEMORY_RANGE {
     bool fill_set_ = false;
     bool vfill_set_ = false;
     int cregister_ = -1;
+    ECC_SPECIFICATION* ecc_spec_ = nullptr;
     MEMORY_RANGE* parent_ = nullptr;
     LOCATOR_SET contents_;
     LOCATOR_SET leaf_contents_;

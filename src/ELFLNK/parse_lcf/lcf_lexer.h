@@ -1,7 +1,7 @@
 // The words of a command file. The lexer holds one line of the file and splits it into tokens, with
 // one token of lookahead. What belongs to a name depends on where the parser stands, so the parser
-// sets a mode: inside MEMORY a colon is always punctuation, and inside an expression "*", "/" and
-// their like are operators and not part of names.
+// sets a mode: inside MEMORY and VERSION a colon is always punctuation, and inside an expression
+// "*", "/" and their like are operators and not part of names.
 #pragma once
 
 #include <array>
@@ -56,7 +56,7 @@ struct LCF_TOKEN {
 class LCF_LEXER {
   public:
     /// What the parser is inside of; the bits add up.
-    enum MODE : unsigned { MODE_MEMORY = 1, MODE_EXPR = 2 };
+    enum MODE : unsigned { MODE_MEMORY = 1, MODE_EXPR = 2, MODE_VERSION = 4 };
 
     LCF_LEXER(std::unique_ptr<LCF_SOURCE> source, const char* file);
     virtual ~LCF_LEXER() = default;
@@ -103,8 +103,8 @@ class LCF_LEXER {
     std::string copy_text(size_t begin, size_t end) const;
     size_t word_end(size_t begin) const;
     char at(size_t i) const { return i < buffer_.size() ? buffer_[i] : '\0'; }
-    bool globs_in_names() const { return mode_ == 0; }
-    bool colon_in_names() const { return (mode_ & MODE_MEMORY) == 0; }
+    bool globs_in_names() const { return (mode_ & (MODE_MEMORY | MODE_EXPR)) == 0; }
+    bool colon_in_names() const { return (mode_ & (MODE_MEMORY | MODE_VERSION)) == 0; }
     bool continues_name(size_t i) const;
     bool starts_name(size_t i) const;
 

@@ -12,7 +12,15 @@
 
 namespace {
 
-enum SPECIFIER { SPEC_ORIGIN, SPEC_LENGTH, SPEC_FILL, SPEC_VFILL, SPEC_ATTR, SPEC_CREGISTER };
+enum SPECIFIER {
+    SPEC_ORIGIN,
+    SPEC_LENGTH,
+    SPEC_FILL,
+    SPEC_VFILL,
+    SPEC_ATTR,
+    SPEC_ECC,
+    SPEC_CREGISTER
+};
 
 // The long form is a keyword, the short ones are small letters only.
 struct SPECIFIER_NAME {
@@ -23,9 +31,13 @@ struct SPECIFIER_NAME {
 };
 
 constexpr SPECIFIER_NAME specifiers[] = {
-    {"ORIGIN", "org", "o", SPEC_ORIGIN},   {"LENGTH", "len", "l", SPEC_LENGTH},
-    {"FILL", "f", "f", SPEC_FILL},         {"VFILL", "vf", "vf", SPEC_VFILL},
-    {"ATTR", nullptr, nullptr, SPEC_ATTR}, {"CREGISTER", nullptr, nullptr, SPEC_CREGISTER},
+    {"ORIGIN", "org", "o", SPEC_ORIGIN},
+    {"LENGTH", "len", "l", SPEC_LENGTH},
+    {"FILL", "f", "f", SPEC_FILL},
+    {"VFILL", "vf", "vf", SPEC_VFILL},
+    {"ATTR", nullptr, nullptr, SPEC_ATTR},
+    {"ECC", nullptr, nullptr, SPEC_ECC},
+    {"CREGISTER", nullptr, nullptr, SPEC_CREGISTER},
 };
 
 bool is_short_form(const SPECIFIER_NAME& s, const std::string& text) {
@@ -148,6 +160,8 @@ bool LCF_PARSER::memory_specifier(MEMORY_RANGE* range) {
     lex_skip_optional('=');
     if (found->specifier == SPEC_ATTR)
         memory_attr(range);
+    else if (found->specifier == SPEC_ECC)
+        ecc_spec(range);
     else if (expr_const_expr(value))
         found->specifier == SPEC_ORIGIN ? range->add_origin(value, &pos)
                                         : range->add_length(value, &pos);

@@ -9,6 +9,7 @@
 #include "ELFLNK/object/root_collection.h"
 #include "ELFLNK/parse_lcf/lcf_cpp_source.h"
 #include "ELFLNK/parse_lcf/lcf_errors.h"
+#include "ELFLNK/parse_lcf/version_parser.h"
 #include "OPTIONGEN/option_obj.h"
 #include "UTIL/savestr.h"
 
@@ -31,19 +32,29 @@ class LCF_FILE_SOURCE : public LCF_SOURCE {
     std::unique_ptr<LCF_TEXT_SOURCE> lines_;
 };
 
+// A parser of the file's text, with the preprocessor in front of it.
+template <class PARSER>
+PARSER* new_parser(COMMAND_FILE* file) {
+    if (global_opts->isopt(OPT_disable_pp))
+        return new PARSER(std::make_unique<LCF_FILE_SOURCE>(file), file->name());
+    auto source = std::make_unique<LCF_CPP_SOURCE>(file->name(), file->text());
+    LCF_CPP_SOURCE* cpp = source.get();
+    auto* parser = new PARSER(std::move(source), file->name());
+    cpp->set_parser(parser);
+    return parser;
+}
+
 } // namespace
 
 uint32_t LCF_PARSER::next_seq_id_m = 1;
 bool LCF_PARSER::sections_seen_m = false;
 
 LCF_PARSER* new_LCF_PARSER(COMMAND_FILE* file) {
-    if (global_opts->isopt(OPT_disable_pp))
-        return new LCF_PARSER(std::make_unique<LCF_FILE_SOURCE>(file), file->name());
-    auto source = std::make_unique<LCF_CPP_SOURCE>(file->name(), file->text());
-    LCF_CPP_SOURCE* cpp = source.get();
-    auto* parser = new LCF_PARSER(std::move(source), file->name());
-    cpp->set_parser(parser);
-    return parser;
+    return new_parser<LCF_PARSER>(file);
+}
+
+VERSION_PARSER* new_VERSION_PARSER(COMMAND_FILE* file) {
+    return new_parser<VERSION_PARSER>(file);
 }
 
 LCF_PARSER::LCF_PARSER(std::unique_ptr<LCF_SOURCE> source, const char* file)
@@ -64,8 +75,8 @@ void LCF_PARSER::top_level_item() {
     } directives[] = {
         {"MEMORY", &LCF_PARSER::memory_directive},
         {"SECTIONS", &LCF_PARSER::sections_directive},
-        {"ECC", &LCF_PARSER::skip_braces},
-        {"VERSION", &LCF_PARSER::skip_braces},
+        {"ECC", &LCF_PARSER::ecc_directive},
+        {"VERSION", &LCF_PARSER::version_directive},
     };
     if (code() == '-') return option();
     if (code() == TOK_NAME) {
@@ -140,8 +151,12 @@ void LCF_PARSER::syntax_error(DIAGNOSTIC& diag, const SOURCE_POSITION& pos) {
     if (latch_) return;
     diag.set_src(&pos);
     bool is_error = diag.severity() >= dc_ERROR;
-    diag.report();
+    show_error(diag);
     latch_ = is_error;
+}
+
+void LCF_PARSER::show_error(DIAGNOSTIC& diag) {
+    diag.report();
 }
 
 void LCF_PARSER::unexpected_eof() {
@@ -204,19 +219,4 @@ bool LCF_PARSER::enter_nesting() {
     if (nesting_ >= max_nesting) return false;
     ++nesting_;
     return true;
-}
-
-// A directive whose contents have no use here: everything up to the matching brace.
-void LCF_PARSER::skip_braces() {
-    latch_ = false;
-    lex();
-    if (!lex_skip_required('{')) return;
-    unsigned open = 1;
-    while (open > 0 && code() != TOK_EOF) {
-        if (code() == '{') ++open;
-        if (code() == '}') --open;
-        if (open > 0) lex();
-    }
-    lex_skip_required('}');
-    latch_ = false;
 }

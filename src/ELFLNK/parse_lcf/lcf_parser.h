@@ -16,11 +16,14 @@
 #include "ELFLNK/parse_lcf/lcf_lexer.h"
 
 class COLLECTION;
+class ECC_ALGORITHM;
 class EXPRESSION;
 class LINKER_OBJECT;
 class LOCATOR;
 class MEMORY_RANGE;
 class SECTION_SPEC;
+class VER_DEF;
+struct ECC_SPECIFICATION;
 struct PLACEMENT_PROPERTIES;
 
 class LCF_PARSER : public COMMAND_PARSER, protected LCF_LEXER {
@@ -41,6 +44,8 @@ class LCF_PARSER : public COMMAND_PARSER, protected LCF_LEXER {
     static bool sections_seen() { return sections_seen_m; }
 
   protected:
+    /// Shows a syntax error that the latch lets through.
+    virtual void show_error(DIAGNOSTIC& diag);
     /// An option word of the file; false if there is no such option.
     virtual bool process_option(const char* text);
     /// An input file of the file.
@@ -49,6 +54,10 @@ class LCF_PARSER : public COMMAND_PARSER, protected LCF_LEXER {
     /// directories.
     virtual void attach_file(SECTION_SPEC* spec, const char* name, bool searched,
                              const SOURCE_POSITION& pos);
+
+    void version_directive();
+    void version_definition();
+    bool keyword_cs(std::string_view word) const;
 
   private:
     void lexical_error(DIAGNOSTIC& diag, const SOURCE_POSITION& pos) override;
@@ -61,7 +70,6 @@ class LCF_PARSER : public COMMAND_PARSER, protected LCF_LEXER {
     bool lex_skip_required(int code);
     bool lex_skip_optional(int code);
     bool keyword(std::string_view word) const;
-    bool keyword_cs(std::string_view word) const;
     bool keyword_prefix(std::string_view word) const;
     static bool keyword_compare(std::string_view text, std::string_view word, bool prefix);
     bool enter_nesting();
@@ -84,8 +92,21 @@ class LCF_PARSER : public COMMAND_PARSER, protected LCF_LEXER {
     void memory_attr(MEMORY_RANGE* range);
     void memory_fill(MEMORY_RANGE* range, bool vfill, const SOURCE_POSITION& pos);
 
-    // ECC and VERSION: the grammar only, nothing is recorded.
-    void skip_braces();
+    // ECC.
+    void ecc_directive();
+    void ecc_algorithm();
+    void ecc_parameter(ECC_ALGORITHM& algorithm, bool& has_parity);
+    void skip_ecc_value();
+    void mirroring(ECC_ALGORITHM& algorithm);
+    void hamming_mask(ECC_ALGORITHM& algorithm);
+    void ecc_spec(MEMORY_RANGE* range);
+    void add_ecc_spec(ECC_SPECIFICATION& spec, const char* input, bool has_page, int page);
+    bool expr_boolean(bool& value);
+
+    // VERSION.
+    void skip_definition();
+    bool is_version_clause();
+    void version_symbols(VER_DEF* verdef);
 
     // SECTIONS.
     void sections_directive();

@@ -15,74 +15,9 @@
 #include "ELFLNK/object/section_spec.h"
 #include "ELFLNK/object/space.h"
 #include "UTIL/savestr.h"
+#include "lcf_parse.h"
 
 namespace {
-
-// Parses a text; files and options are only noted.
-class PARSE : public LCF_PARSER {
-  public:
-    explicit PARSE(std::string_view text)
-        : LCF_PARSER(std::make_unique<LCF_TEXT_SOURCE>(text), "t.cmd") {
-        char* buffer = nullptr;
-        size_t size = 0;
-        FILE* file = open_memstream(&buffer, &size);
-        DIAGNOSTIC::fp_m = file;
-        DIAGNOSTIC::wrap_enabled_m = false;
-        DIAGNOSTIC::max_errors_m = ~0u;
-        memory_map->clear();
-        first_member_ = root_collection->members().size();
-        parse();
-        DIAGNOSTIC::fp_m = nullptr;
-        fclose(file);
-        messages.assign(buffer, size);
-        free(buffer);
-    }
-
-    /// The nth object that the text added at the top of the tree.
-    COLLECTION* object(size_t n = 0) const {
-        auto at = root_collection->members().begin();
-        std::advance(at, static_cast<long>(first_member_ + n));
-        return as_collection(*at);
-    }
-    size_t object_count() const { return root_collection->members().size() - first_member_; }
-    const LOCATOR* run() const { return object()->run_locator(); }
-    const LOCATOR* load() const { return object()->load_locator(); }
-    MEMORY_RANGE* range(const char* name) const { return memory_map->lookup_by_name(name); }
-    bool says(const std::string& text) const { return messages.find(text) != std::string::npos; }
-    int errors() const {
-        int n = 0;
-        for (size_t at = messages.find("error"); at != std::string::npos;
-             at = messages.find("error", at + 1))
-            ++n;
-        return n;
-    }
-
-    std::string messages;
-    std::vector<std::string> files;
-    std::vector<std::string> options;
-    std::vector<std::string> spec_files;
-
-  protected:
-    bool process_option(const char* text) override {
-        options.push_back(text);
-        if (options.back() == "o") {
-            const char* argument = option_argument();
-            options.push_back(argument != nullptr ? argument : "");
-        }
-        return options.back() != "bad";
-    }
-    void add_input_file(const char* name, const SOURCE_POSITION&) override {
-        files.push_back(name);
-    }
-    void attach_file(SECTION_SPEC* spec, const char* name, bool searched,
-                     const SOURCE_POSITION&) override {
-        spec->add_file_name(name);
-        spec_files.push_back(std::string(name) + (searched ? "+" : ""));
-    }
-
-  private:
-    size_t first_member_;
-};
 
 using STRINGS = std::vector<std::string>;
 
