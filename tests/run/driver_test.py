@@ -8,13 +8,13 @@ tests/support/linktest.py); they are built once. Behind a line `=== name` stands
     @ NAME=VALUE          a variable of its environment
     ? STATUS              0 if not given
     ! LINE                a line of standard error; these lines, in order, are all of it
-    > LINE                a line that occurs in standard output, in that order (blanks count as one)
+    > LINE                a line that occurs in standard output, in that order (blanks count as one); none: it is empty
     : NAME...             all global symbols that out.elf defines and that are not the linker's own, in any order
     = NAME VALUE          a symbol of out.elf; VALUE may be -: there is no such symbol
     + FILE, - FILE        the link leaves this file, or doesn't
     ~ FILE LINE           a line that occurs in a file that the link writes
 
-A case without `:`, `=`, `+` and `-` lines expects out.elf exactly if the status is 0 and an output was asked for.
+{work} in any of them is the folder of the inputs. A case without `:`, `=`, `+` and `-` lines expects out.elf exactly if the status is 0 and an output was asked for.
 """
 import argparse
 import os
@@ -62,6 +62,8 @@ def check(entries, work, done):
     if err != expected:
         raise Failure(f"standard error, expected\n{expected}")
     in_order("standard output", of[">"], out.splitlines())
+    if out and not of[">"]:
+        raise Failure("standard output, expected nothing")
     for line in of["~"]:
         name, text = line.split(" ", 1)
         in_order(name, [text], (work / name).read_text(encoding="latin-1").splitlines())
@@ -92,6 +94,7 @@ def check_symbols(elf, of):
 
 
 def run_case(entries, work, qvlink):
+    entries = [(mark, text.replace("{work}", str(work))) for mark, text in entries]
     for leftover in work.glob("out*"):
         leftover.unlink()
     args = shlex.split(" ".join(text for mark, text in entries if mark == "$"))

@@ -5,6 +5,7 @@
     --- a.s                        an input; options of the assembler or compiler may follow: --- a.c -mcpu=cortex-a15
                                    assembly gets the attribute that says it preserves alignment; `raw`: it doesn't
     --- link.cmd                   any other name is written as it stands
+    --- script tool                the same, and the file can be run
     --- archive lib.a x.o y.o      an archive of objects built from inputs above; NAME=FILE: a member of another name
     --- hex junk.bin               a file of bytes in hexadecimal, blanks and # comments ignored
     --- truncate a.o 40            cuts a file that exists;  --- patch a.o 0x20 FFFF  overwrites bytes of it
@@ -100,6 +101,9 @@ def make_input(head, body, work):
     kind, rest = head[0], head[1:]
     if kind == "archive":
         must([TOOLS + "ar", "rc", *(member_file(r, work) for r in rest)], work)
+    elif kind == "script":
+        (work / rest[0]).write_text(body_text(body))
+        (work / rest[0]).chmod(0o755)
     elif kind == "hex":
         (work / rest[0]).write_bytes(hex_bytes(body))
     elif kind == "truncate":
