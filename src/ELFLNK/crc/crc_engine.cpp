@@ -2,9 +2,10 @@
 // idea.
 #include "ELFLNK/crc/crc_engine.h"
 
-#include "UTIL/data_map.h"
-
+#include <bit>
+#include <cstring>
 #include <map>
+#include <utility>
 
 uint64_t CRC::reflect(uint64_t value, unsigned bits) {
     uint64_t reversed = 0;
@@ -60,24 +61,36 @@ CRC::CRC(const algorithm_t& algorithm)
                                 : values_.direct_init << shift_;
 }
 
-// The register after eight bytes, which `word` holds XORed with the register, the first at the end
-// of the word where bytes leave.
+// The bytes at `from` as a word, the first at the end of the word where bytes leave the register.
+template <bool REFLECTED>
+static uint64_t load_word(const uint8_t* from) {
+    uint64_t word;
+    std::memcpy(&word, from, sizeof word);
+    return REFLECTED == (std::endian::native == std::endian::little) ? word
+                                                                     : __builtin_bswap64(word);
+}
+
+// The register after eight bytes, which `word` holds XORed with the register.
+template <bool REFLECTED, size_t... K>
 static uint64_t eight_bytes(const std::array<std::array<uint64_t, 256>, 8>& t, uint64_t word,
-                            bool reflected) {
-    uint64_t value = 0;
-    for (unsigned k = 0; k < 8; ++k) value ^= t[reflected ? 7 - k : k][(word >> (8 * k)) & 255];
-    return value;
+                            std::index_sequence<K...>) {
+    return (t[REFLECTED ? 7 - K : K][(word >> (8 * K)) & 255] ^ ...);
+}
+
+template <bool REFLECTED>
+static uint64_t read_words(const std::array<std::array<uint64_t, 256>, 8>& t, uint64_t crc,
+                           std::span<const uint8_t>& data) {
+    for (; data.size() >= 8; data = data.subspan(8))
+        crc = eight_bytes<REFLECTED>(t, crc ^ load_word<REFLECTED>(data.data()),
+                                     std::make_index_sequence<8>());
+    return crc;
 }
 
 void CRC::read_data(std::span<const uint8_t> data) {
     const auto& t = values_.table;
     uint64_t crc = register_;
-    if (algorithm_.fast) {
-        const auto order = algorithm_.refin ? DATA_MAP::LITTLE : DATA_MAP::BIG;
-        for (; data.size() >= 8; data = data.subspan(8))
-            crc =
-                eight_bytes(t, crc ^ DATA_MAP::load(data.data(), 8, order), algorithm_.refin != 0);
-    }
+    if (algorithm_.fast)
+        crc = algorithm_.refin ? read_words<true>(t, crc, data) : read_words<false>(t, crc, data);
     for (const uint64_t byte : data) {
         if (algorithm_.fast)
             crc = algorithm_.refin ? (crc >> 8) ^ t[0][(crc & 255) ^ byte]
