@@ -74,6 +74,12 @@ std::string position_text(const SOURCE_POSITION& pos) {
     return std::string("\"") + pos.file() + "\", line " + std::to_string(pos.line());
 }
 
+/// The type stands at the output section.
+bool is_of_vector(const SECTION_SPEC* spec) {
+    const COLLECTION* outsect = spec->containing_outsect();
+    return spec->has_attr(PA_VECT_INIT) || (outsect != nullptr && outsect->has_attr(PA_VECT_INIT));
+}
+
 void report_empty_spec(const SECTION_SPEC* spec, const std::vector<SECTION_SPEC*>& takers,
                        const TAKEN_NAMES& names) {
     const bool ask = names.may_match(spec->section_filter());
@@ -84,7 +90,7 @@ void report_empty_spec(const SECTION_SPEC* spec, const std::vector<SECTION_SPEC*
                        position_text(taker->source_position()));
         return;
     }
-    if (spec->has_attr(PA_VECT_INIT))
+    if (is_of_vector(spec))
         DIAG_REPORT_AT(&spec->source_position(), elnk_vect_init, spec->name());
     else
         DIAG_REPORT_AT(&spec->source_position(), elnk_no_matching_section);
