@@ -16,6 +16,7 @@
 #include "ELFLNK/object/section.h"
 #include "ELFLNK/crc/crc_table.h"
 #include "ELFLNK/table/copy_table_db.h"
+#include "ELFLNK/symbol/symbol_table.h"
 #include "ELFLNK/target/abi.h"
 #include "ELFLNK/symver/symver_table.h"
 #include "ELFLNK/target/target.h"
@@ -153,7 +154,7 @@ void copy_group_members() {
 }
 
 void set_entry_point() {
-    OF_SYMBOL* symbol = Target->entry_point_symbol();
+    OF_SYMBOL* symbol = SYMBOL_TABLE::resolution(Target->entry_point_symbol());
     OBJECT_FILE* out = output_OF_FILE();
     if (is_elf_partial_link()) {
         if (symbol && global_opts->isopt(OPT_entry_point))

@@ -24,6 +24,7 @@
 #include "ELFLNK/object/section.h"
 #include "ELFLNK/object/section_spec.h"
 #include "ELFLNK/object/symbol_object.h"
+#include "ELFLNK/retain/specialization.h"
 #include "ELFLNK/table/copy_table_db.h"
 #include "ELFLNK/target/abi.h"
 #include "ELFLNK/target/target.h"
@@ -246,8 +247,12 @@ void collect() {
     if (!can_user_specify_rom_flags()) walk_collections(root_collection, refuse_rom_attributes);
     global_copy_table_db->restrict_table_outsect();
     Target->update_after_collection();
+    SPECIALIZATION_MANAGER::update_before_compressed_sections_formed();
+    root_collection->remove_unreferenced_objects();
     global_compress_db->update_after_collection();
+    SPECIALIZATION_MANAGER::update_after_compressed_sections_formed();
     global_crc_table_db->restrict_table_outsect();
+    root_collection->remove_unreferenced_objects();
     EXPRESSION::unreferenced_removed_m = true;
     root_collection->update_after_collection();
     report_unspecified_sections();

@@ -14,6 +14,7 @@
 #include "ELFLNK/load/comdat.h"
 #include "ELFLNK/load/link_symbols.h"
 #include "ELFLNK/reach/registrar.h"
+#include "ELFLNK/retain/specialization.h"
 #include "ELFLNK/symbol/symbol_table.h"
 #include "ELFLNK/target/abi.h"
 #include "ELFLNK/target/target.h"
@@ -146,6 +147,7 @@ bool load() {
     link_global_references();
     // Every undefined symbol points at its definition, or at the one symbol that stands for its
     // name.
+    SPECIALIZATION_MANAGER::instantiate_specializations();
     REGISTRAR registrar;
     registrar.register_objects();
     Target->update_upon_load();

@@ -8,6 +8,7 @@
 #include "ELFLNK/locator/locator.h"
 #include "ELFLNK/object/section.h"
 #include "ELFLNK/object/symbol_object.h"
+#include "ELFLNK/refgraph/reference_graph.h"
 #include "OBJEDIT04/ofe/object_file.h"
 #include "OBJEDIT04/ofe/of_section.h"
 #include "OBJEDIT04/ofe/of_section_table.h"
@@ -161,6 +162,7 @@ COLLECTION* ROOT_COLLECTION::find_enclosing_collection(LINKER_OBJECT* obj,
 void ROOT_COLLECTION::update_after_collection() {
     set_attributes_from_members(false);
     propagate_attributes_into_members(false);
+    finish_reference_graph();
 }
 
 bool ROOT_COLLECTION::symbol_is_in_link(const OFE::OF_SYMBOL* symbol) const {

@@ -6,7 +6,9 @@
 #pragma once
 
 #include <map>
+#include <memory>
 #include <set>
+#include <string>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
@@ -16,6 +18,7 @@
 namespace OFE {
 class OF_SYMBOL;
 } // namespace OFE
+class REFERENCE_GRAPH;
 class SECTION;
 class SYMBOL_OBJECT;
 
@@ -69,6 +72,34 @@ class ROOT_COLLECTION : public COLLECTION {
     /// Every section that takes part is known from here on.
     void set_objects_registered() { objects_registered_ = true; }
     bool objects_registered() const { return objects_registered_; }
+
+    // ---- references (root_references.cpp) --------------------------------------------------
+    /// Starts the graph of references, if somebody is going to ask for it: --emit_references, a
+    /// specialization, or a root that may be taken away.
+    void create_reference_graph();
+    /// Null when references are not recorded.
+    REFERENCE_GRAPH* reference_graph() { return reference_graph_.get(); }
+    /// Stands for what the linker itself refers to; null without a graph.
+    SECTION* root_section() const { return root_section_; }
+    /// The root through which a symbol of that name stays may be taken away once collection knows
+    /// more. Said before the objects are registered.
+    void expect_root_removal(const char* symbol_name);
+
+    // Each of these does nothing when references are not recorded.
+    /// `symbol_name` and `offset`: of the relocation that makes the reference, null without one.
+    void add_reference(LINKER_OBJECT* from, LINKER_OBJECT* to, const char* symbol_name = nullptr,
+                       uint32_t offset = 0);
+    void remove_reference(LINKER_OBJECT* from, LINKER_OBJECT* to);
+    /// The linker refers to the object that defines the symbol, or for itself (null) to `object`.
+    void add_symbol_reference_from_root_section(const OFE::OF_SYMBOL* symbol,
+                                                LINKER_OBJECT* object);
+    /// Takes that reference away; the object stays a root if it is one for another reason.
+    void remove_symbol_reference_from_root_section(const char* symbol_name);
+    std::vector<LINKER_OBJECT*> references_to_object(const LINKER_OBJECT* object) const;
+    std::vector<LINKER_OBJECT*> all_references_from_object(const LINKER_OBJECT* object) const;
+    /// Takes out of the tree what no chain of references leads to any more.
+    void remove_unreferenced_objects();
+
     bool symbol_is_in_link(const OFE::OF_SYMBOL* symbol) const;
     bool object_is_in_link(const LINKER_OBJECT* obj) const;
 
@@ -78,12 +109,20 @@ class ROOT_COLLECTION : public COLLECTION {
         output_map_[output] = obj;
     }
     void unmap_output(const OFE::OF_SECTION* output) { output_map_.erase(output); }
+    bool wants_reference_graph() const;
+    void finish_reference_graph();
     void index_outsect_name(LINKER_OBJECT* obj);
     void unindex_outsect_name(LINKER_OBJECT* obj);
 
     std::vector<std::vector<SECTION*>> sections_; // by file number, then section index
     std::size_t section_count_ = 0;
     bool objects_registered_ = false;
+    std::unique_ptr<REFERENCE_GRAPH> reference_graph_;
+    SECTION* root_section_ = nullptr;
+    std::vector<std::pair<std::string, LINKER_OBJECT*>>
+        root_references_; // symbol name, empty without one
+    std::vector<std::string> expected_removals_;
+    bool references_removed_ = false; // since what is unreferenced was last looked for
     SYMBOL_OBJECT_MAP symbol_objects_;
     OUTSECT_SET outsects_;
     std::unordered_map<std::string_view, std::vector<LINKER_OBJECT*>>

@@ -5,15 +5,17 @@
 #include <cstring>
 
 #include "DIAG/elnk_msgs.h"
-#include "ELFLNK/build/link_kind.h"
+#include "ELFLNK/build/build.h"
 #include "ELFLNK/file/file_manager.h"
 #include "ELFLNK/file/obj_file.h"
 #include "ELFLNK/load/file_symbols.h"
 #include "ELFLNK/load/load.h"
 #include "ELFLNK/object/root_collection.h"
+#include "ELFLNK/object/section.h"
 #include "ELFLNK/object/symbol_object.h"
 #include "ELFLNK/reach/for_each_reloc.h"
 #include "ELFLNK/retain/retain_spec.h"
+#include "ELFLNK/retain/specialization.h"
 #include "ELFLNK/symbol/symbol_table.h"
 #include "ELFLNK/target/abi.h"
 #include "ELFLNK/target/target.h"
@@ -44,6 +46,9 @@ REGISTRAR::~REGISTRAR() = default;
 
 void REGISTRAR::register_objects() {
     trace_load.push("\nREGISTER OBJECTS\n");
+    root_collection->create_reference_graph();
+    records_references_ = root_collection->reference_graph() != nullptr;
+    has_specializations_ = SPECIALIZATION_MANAGER::any_instantiated();
     prepare_files();
     find_implicit_deps();
     // The implicit tables are only read from here on.
@@ -146,10 +151,11 @@ void REGISTRAR::register_referenced_objects() {
 }
 
 void REGISTRAR::walk_section(const WORK& work) {
+    if (has_specializations_) register_variants(work);
     const bool is_debug = work.file->bits[work.section_id] & (DEBUG_DATA | DEBUG_LIKE);
     for_each_symbol_reloc(*work.file, work.section_id, [&](const OF_RAW_RELOC& reloc) {
         if (relocs_stay_) make_symbol(*work.file, reloc.sym_id);
-        if (!changes_nothing(*work.file, reloc.sym_id, is_debug))
+        if (records_references_ || !changes_nothing(*work.file, reloc.sym_id, is_debug))
             register_a_reference(work, is_debug, reloc);
     });
 }
@@ -165,34 +171,92 @@ void REGISTRAR::register_a_reference(const WORK& from, bool is_debug, const OF_R
         if (!target.has_section() && target.kind == OFE::OF_SYM_KIND_COMMON) return;
     }
     report_mapped_symbol(file, reloc.sym_id);
-    if (target.is_absent())
+    if (target.is_absent()) {
         report_discarded(from, reloc, target);
+        return;
+    }
+    if (target.kind == OFE::OF_SYM_KIND_UNDEFINED && target.sym)
+        register_import_reference(target.sym);
+    register_target(referrer_of(from, reloc), target);
+}
+
+// A placeholder keeps the variants of its function.
+void REGISTRAR::register_variants(const WORK& work) {
+    const SPECIALIZATION* specialization =
+        SPECIALIZATION_MANAGER::find(work.file->sections->loaded_section(work.section_id));
+    if (!specialization) return;
+    const REFERRER from{object_of(*work.file, work.section_id)};
+    for (const SPECIALIZATION_ROUTINE& routine : specialization->routines())
+        register_any_section(from, state_of(routine.symbol->ofile()), routine.symbol->section_id());
+}
+
+// What a shared file serves needs no object; it may need a symbol to be led to.
+void REGISTRAR::register_import_reference(OF_SYMBOL* sym) {
+    if (sym->ofile()->format() != OFE::OF_FORMAT_ELF || sym->visibility() != OFE::OF_VIS_DEFAULT)
+        return;
+    OF_SYMBOL* import = global_symbols.lookup_imported(sym->name());
+    if (!import || !abi_->allows_import_ref_patching() || !global_symbols.is_bound(import)) return;
+    create_linker_symbol(sym->name(), SOURCE_POSITION(), 0, OFE::OF_SYM_BINDING_GLOBAL);
+    global_symbols.link_undef(sym);
+}
+
+// ---- recording
+
+LINKER_OBJECT* REGISTRAR::object_of(const FILE_STATE& file, unsigned section_id) const {
+    return records_references_ ? root_collection->lookup_section(file.object->file_id(), section_id)
+                               : nullptr;
+}
+
+// A section's own symbol has the name of the section.
+REGISTRAR::REFERRER REGISTRAR::referrer_of(const WORK& work, const OF_RAW_RELOC& reloc) const {
+    REFERRER from{object_of(*work.file, work.section_id)};
+    OF_RAW_SYMBOL sym;
+    if (!records_references_ || !work.file->symbols->raw_symbol(reloc.sym_id, sym)) return from;
+    from.symbol_name = sym.name;
+    from.offset = reloc.offset;
+    OF_RAW_SECTION section;
+    if (*sym.name == '\0' && sym.section_id != OF_RAW_SYMBOL::NO_SECTION &&
+        work.file->sections->raw_section(sym.section_id, section))
+        from.symbol_name = section.name;
+    return from;
+}
+
+REGISTRAR::REFERRER REGISTRAR::root_referrer(const OF_SYMBOL* symbol) const {
+    REFERRER from{root_collection->root_section()};
+    from.root_symbol = symbol;
+    return from;
+}
+
+void REGISTRAR::record(const REFERRER& from, LINKER_OBJECT* to) const {
+    if (!records_references_) return;
+    if (from.object == root_collection->root_section())
+        root_collection->add_symbol_reference_from_root_section(from.root_symbol, to);
     else
-        register_target(target);
+        root_collection->add_reference(from.object, to, from.symbol_name, from.offset);
 }
 
 // By the file that the symbol lies in.
-void REGISTRAR::register_target(const TARGET_REF& target) {
+void REGISTRAR::register_target(const REFERRER& from, const TARGET_REF& target) {
     if (!target.file) return;
     FILE_STATE& file = *target.file;
     if (file.is_linked) {
         if (file.is_executable) {
             // The code and data of an executable given as input are not linked in.
             if (target.has_section() && (file.bits[target.section_id] & DEBUG_DATA))
-                register_section(file, target.section_id);
+                register_section(from, file, target.section_id);
         } else if (target.has_section()) {
-            register_section(file, target.section_id);
+            register_section(from, file, target.section_id);
         } else if (target.sym) {
-            register_symbol_object(target.sym, target.kind);
+            register_symbol_object(from, target.sym, target.kind);
         }
     } else if (file.file == file_manager.output_file() && target.sym &&
                target.kind == OFE::OF_SYM_KIND_ABSOLUTE &&
                global_symbols.is_linker_symbol(target.sym)) {
-        register_symbol_object(target.sym, target.kind);
+        register_symbol_object(from, target.sym, target.kind);
     }
 }
 
-void REGISTRAR::register_section(FILE_STATE& file, unsigned section_id) {
+void REGISTRAR::register_section(const REFERRER& from, FILE_STATE& file, unsigned section_id) {
     const uint8_t bits = file.bits[section_id];
     if (bits & ABSENT) return;
     if (bits & OMDATA) {
@@ -200,32 +264,48 @@ void REGISTRAR::register_section(FILE_STATE& file, unsigned section_id) {
         file.sections->raw_section(section_id, section);
         DIAG_REPORT(elnk_not_prog_scn, section.name, file.file->name());
     }
-    if (!(bits & REGISTERED)) register_any_section(file, section_id);
+    if (!(bits & REGISTERED))
+        register_any_section(from, file, section_id);
+    else if (records_references_)
+        record(from, object_of(file, section_id));
 }
 
 // The only place that makes a SECTION. A section brings in its implicit dependents, then the
 // members of its group; the stack keeps the order of a walk in depth.
-void REGISTRAR::register_any_section(FILE_STATE& first_file, unsigned first_id) {
+void REGISTRAR::register_any_section(const REFERRER& first_from, FILE_STATE& first_file,
+                                     unsigned first_id) {
     std::vector<WORK> stack{{&first_file, first_id}};
+    std::vector<LINKER_OBJECT*> referrers; // beside the stack, but for its first entry
     while (!stack.empty()) {
         const WORK next = stack.back();
         stack.pop_back();
+        REFERRER from = first_from;
+        if (!referrers.empty()) {
+            from = {referrers.back()};
+            referrers.pop_back();
+        }
         FILE_STATE& file = *next.file;
         uint8_t& bits = file.bits[next.section_id];
-        if (bits & (REGISTERED | ABSENT)) continue;
+        if (bits & ABSENT) continue;
+        if (bits & REGISTERED) {
+            record(from, object_of(file, next.section_id));
+            continue;
+        }
         OFE::OF_SECTION* section = file.sections->section(next.section_id);
         if (!section) continue;
         bits |= REGISTERED;
-        new_section(section);
+        SECTION* object = new_section(section);
+        record(from, object);
         work_.push_back(next);
 
         const size_t bottom = stack.size();
-        const auto [from, to] = section_deps_.dependents(key_of(file, next.section_id));
-        for (const IMPLICIT_DEP_TABLE::DEP* dep = from; dep != to; ++dep)
+        const auto [first, last] = section_deps_.dependents(key_of(file, next.section_id));
+        for (const IMPLICIT_DEP_TABLE::DEP* dep = first; dep != last; ++dep)
             stack.push_back(
                 {files_[dep->dependent >> 32].get(), static_cast<unsigned>(dep->dependent)});
         push_group_members(file, next.section_id, stack);
         std::reverse(stack.begin() + static_cast<std::ptrdiff_t>(bottom), stack.end());
+        referrers.resize(stack.size(), object);
     }
 }
 
@@ -244,16 +324,24 @@ void REGISTRAR::push_group_members(FILE_STATE& file, unsigned section_id,
     }
 }
 
-void REGISTRAR::register_symbol_object(OF_SYMBOL* sym, OFE::OF_SYM_KIND kind) {
+void REGISTRAR::register_symbol_object(const REFERRER& from, OF_SYMBOL* sym,
+                                       OFE::OF_SYM_KIND kind) {
     if (kind != OFE::OF_SYM_KIND_ABSOLUTE && kind != OFE::OF_SYM_KIND_COMMON) return;
-    if (!symbol_objects_.insert(sym).second) return;
+    if (!symbol_objects_.insert(sym).second) {
+        record(from, records_references_ ? root_collection->lookup_symbol_object(sym) : nullptr);
+        return;
+    }
+    SYMBOL_OBJECT* object = nullptr;
     if (kind == OFE::OF_SYM_KIND_ABSOLUTE)
-        new ABSOLUTE_SYMBOL(sym);
+        object = new ABSOLUTE_SYMBOL(sym);
     else
-        new COMMON_BLOCK(sym);
-    const auto [from, to] = symbol_deps_.dependents(key_of(sym));
-    for (const IMPLICIT_DEP_TABLE::DEP* dep = from; dep != to; ++dep)
-        register_any_section(*files_[dep->dependent >> 32], static_cast<unsigned>(dep->dependent));
+        object = new COMMON_BLOCK(sym);
+    record(from, object);
+    const REFERRER keeper{object};
+    const auto [first, last] = symbol_deps_.dependents(key_of(sym));
+    for (const IMPLICIT_DEP_TABLE::DEP* dep = first; dep != last; ++dep)
+        register_any_section(keeper, *files_[dep->dependent >> 32],
+                             static_cast<unsigned>(dep->dependent));
 }
 
 // Sections tied to another by their link field. An exception index section is kept with the code
@@ -269,7 +357,7 @@ void REGISTRAR::register_sh_link_dependences() {
                 continue;
             if (section.type == OFE::SHT_ARM_EXIDX && !can_throw) continue;
             if (section.link < file->bits.size() && (file->bits[section.link] & REGISTERED))
-                register_any_section(*file, id);
+                register_any_section({object_of(*file, section.link)}, *file, id);
         }
     }
     register_referenced_objects();

@@ -2,8 +2,9 @@
 // a SECTION of the root collection; what is not reached never becomes an object, and so is not
 // linked. The walk is mark and sweep over the raw records of the mapped files: one byte per section
 // says what it is and whether it is registered, a list of sections in the order of registration
-// grows while it is walked, and no relocation object is made. References are not recorded: who
-// wants the graph of the live sections can walk their records again.
+// grows while it is walked, and no relocation object is made. References are recorded only if the
+// root collection keeps a graph of them; then every relocation is looked at, which the walk can
+// otherwise spare itself where its target is registered.
 #pragma once
 
 #include <cstdint>
@@ -15,6 +16,7 @@
 #include "OBJEDIT04/ofe/raw_records.h"
 
 class ABI;
+class LINKER_OBJECT;
 class OBJ_FILE;
 struct FILE_SYMBOLS;
 namespace OFE {
@@ -94,6 +96,13 @@ class REGISTRAR {
         FILE_STATE* file;
         unsigned section_id;
     };
+    /// Who refers, as far as references are recorded: the object, and the relocation if it is one.
+    struct REFERRER {
+        LINKER_OBJECT* object = nullptr;
+        const char* symbol_name = nullptr;
+        unsigned offset = 0;
+        const OFE::OF_SYMBOL* root_symbol = nullptr; ///< of a reference from the root
+    };
     using KEY = IMPLICIT_DEP_TABLE::KEY;
 
     // Files and sections.
@@ -129,11 +138,17 @@ class REGISTRAR {
     void register_referenced_objects();
     void walk_section(const WORK& work);
     void register_a_reference(const WORK& from, bool is_debug, const OFE::OF_RAW_RELOC& reloc);
-    void register_target(const TARGET_REF& target);
-    void register_section(FILE_STATE& file, unsigned section_id);
-    void register_any_section(FILE_STATE& file, unsigned section_id);
+    void register_target(const REFERRER& from, const TARGET_REF& target);
+    void register_section(const REFERRER& from, FILE_STATE& file, unsigned section_id);
+    void register_any_section(const REFERRER& from, FILE_STATE& file, unsigned section_id);
     void push_group_members(FILE_STATE& file, unsigned section_id, std::vector<WORK>& stack);
-    void register_symbol_object(OFE::OF_SYMBOL* sym, OFE::OF_SYM_KIND kind);
+    void register_symbol_object(const REFERRER& from, OFE::OF_SYMBOL* sym, OFE::OF_SYM_KIND kind);
+    void register_variants(const WORK& work);
+    void register_import_reference(OFE::OF_SYMBOL* sym);
+    LINKER_OBJECT* object_of(const FILE_STATE& file, unsigned section_id) const;
+    REFERRER referrer_of(const WORK& work, const OFE::OF_RAW_RELOC& reloc) const;
+    REFERRER root_referrer(const OFE::OF_SYMBOL* symbol = nullptr) const;
+    void record(const REFERRER& from, LINKER_OBJECT* to) const;
     void register_sh_link_dependences();
     void make_symbol(FILE_STATE& file, unsigned sym_id);
     void report_mapped_symbol(FILE_STATE& file, unsigned sym_id);
@@ -144,6 +159,8 @@ class REGISTRAR {
     bool is_partial_;
     bool elimination_is_off_;
     bool has_retain_specs_;
+    bool records_references_ = false;
+    bool has_specializations_ = false;
     bool relocs_stay_; ///< relocations become objects in the output
     bool has_retainrefs_ = false;
     std::vector<std::unique_ptr<FILE_STATE>> files_; ///< by file id

@@ -6,8 +6,11 @@
 #include "ELFLNK/file/obj_file.h"
 #include "ELFLNK/load/alias_tracker.h"
 #include "ELFLNK/load/file_symbols.h"
+#include "ELFLNK/object/root_collection.h"
+#include "ELFLNK/object/section.h"
 #include "ELFLNK/reach/registrar.h"
 #include "ELFLNK/retain/retain_spec.h"
+#include "ELFLNK/retain/specialization.h"
 #include "ELFLNK/symbol/symbol_table.h"
 #include "ELFLNK/target/abi.h"
 #include "OBJEDIT04/elf/elf_types.h"
@@ -96,7 +99,7 @@ void REGISTRAR::classify_sections(FILE_STATE& file) {
 // ---- roots
 
 bool REGISTRAR::section_is_required(FILE_STATE& file, const OF_RAW_SECTION& section, uint8_t bits) {
-    if (abi_->is_linker_generated_section(section.name)) return true;
+    if (abi_->is_linker_generated_section(SECTION::orig_section_name(section.name))) return true;
     if (!file.file) {
         DIAG_REPORT(gen_null_pointer, "objfile");
         return false;
@@ -116,6 +119,10 @@ bool REGISTRAR::section_is_required(FILE_STATE& file, const OF_RAW_SECTION& sect
 bool REGISTRAR::progdata_section_immune_to_retain(const FILE_STATE& file,
                                                   const OF_RAW_SECTION& section) const {
     if (alias_section_tracker.only_aliases(file.object, section.id)) return true;
+    if (has_specializations_) {
+        OFE::OF_SECTION* loaded = file.sections->loaded_section(section.id);
+        if (loaded && SPECIALIZATION_MANAGER::section_immune_to_retain(loaded)) return true;
+    }
     return file.object->format() == OFE::OF_FORMAT_ELF && section.type == OFE::SHT_ARM_EXIDX &&
            (section.flags & OFE::SHF_LINK_ORDER);
 }
@@ -129,16 +136,18 @@ bool REGISTRAR::metadata_retains_section(const FILE_STATE& file,
 
 void REGISTRAR::register_required_symbols() {
     for (OF_SYMBOL* sym : global_symbols.entry_symbols())
-        register_target(target_of_symbol(SYMBOL_TABLE::resolution(sym)));
+        register_target(root_referrer(SYMBOL_TABLE::resolution(sym)),
+                        target_of_symbol(SYMBOL_TABLE::resolution(sym)));
     for (OF_SYMBOL* sym : global_symbols.sorted_absolute_defs())
         if (is_partial_ || sym->binding() != OFE::OF_SYM_BINDING_WEAK)
-            register_target(target_of_symbol(SYMBOL_TABLE::resolution(sym)));
+            register_target(root_referrer(SYMBOL_TABLE::resolution(sym)),
+                            target_of_symbol(SYMBOL_TABLE::resolution(sym)));
 }
 
 void REGISTRAR::register_required_sections() {
     for (FILE_STATE* file : order_) {
         if (!file->is_linked) continue;
         for (unsigned id = 1; id < file->bits.size(); ++id)
-            if (file->bits[id] & REQUIRED) register_section(*file, id);
+            if (file->bits[id] & REQUIRED) register_section(root_referrer(), *file, id);
     }
 }
