@@ -85,6 +85,19 @@ void dump_globals() {
     root_collection->dump();
 }
 
+/// What is read must not be written over: it is mapped, and the user would lose it.
+void check_names_of_outputs() {
+    for (const option_id id : {OPT_output_file, OPT_map_file, OPT_xml_link_info,
+                               OPT_emit_references_file, OPT_generate_dead_funcs_list}) {
+        const char* name = global_opts->getstrarg(id);
+        if (name == nullptr && id == OPT_output_file) name = "a.out";
+        if (name != nullptr && file_manager.is_read(name))
+            USER_MSG::get_umsg_obj()->fatal(
+                "\"%s\" is read by this link; option %s cannot write it", name,
+                global_opts->format_of_option(id));
+    }
+}
+
 /// A file that names itself, by whatever road, would never end.
 bool is_in_progress(const COMMAND_FILE* file) {
     for (const COMMAND_FILE* outer : command_files)
@@ -103,6 +116,7 @@ void command() {
     global_opts->post_process_option_depends();
     Target->finalize_options();
     enter_exports_and_imports();
+    check_names_of_outputs();
     if (debug_globals) dump_globals();
 }
 

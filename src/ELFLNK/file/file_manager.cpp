@@ -45,6 +45,8 @@ INPUT_FILE* FILE_MANAGER::process_file(INPUT_FILE* file, bool in_front) {
     if (file->is_object_file()) return process_object(file, in_front);
     if (file->is_archive_file()) return process_archive(file, in_front);
     if (COMMAND_FILE* command_file = file->as_command_file()) {
+        file->get_stat_info();
+        command_files_on_disk_.push_back({file->stat_info().device, file->stat_info().inode});
         cmdfile_command(command_file);
         return file;
     }
@@ -149,6 +151,15 @@ INPUT_FILE* FILE_MANAGER::lookup_file_by_name(const char* path) {
     if (stat(path, &info) != 0) return nullptr;
     const auto same = files_on_disk_.find({uint64_t(info.st_dev), uint64_t(info.st_ino)});
     return same == files_on_disk_.end() ? nullptr : same->second;
+}
+
+bool FILE_MANAGER::is_read(const char* path) const {
+    struct stat info;
+    if (stat(path, &info) != 0) return false;
+    const FILE_KEY key{uint64_t(info.st_dev), uint64_t(info.st_ino)};
+    return files_on_disk_.find(key) != files_on_disk_.end() ||
+           std::find(command_files_on_disk_.begin(), command_files_on_disk_.end(), key) !=
+               command_files_on_disk_.end();
 }
 
 INPUT_FILE* FILE_MANAGER::lookup_file_by_basename(const char* name) {

@@ -95,6 +95,8 @@ class FILE_MANAGER {
     /// The object file of that unique name, path or base name.
     OBJ_FILE* lookup_object_by_name(const char* name);
     OBJ_FILE* lookup_OF_FILE(const OFE::OBJECT_FILE* object) const;
+    /// True if the file at that path is read by this link: an input or a command file.
+    bool is_read(const char* path) const;
     /// How many object files were registered with this base name.
     unsigned basename_count(const char* base_name) const;
 
@@ -133,6 +135,7 @@ class FILE_MANAGER {
     AR_GROUP_SCAN_ITEM* open_group_ = nullptr;
     std::unordered_map<const OFE::OBJECT_FILE*, OBJ_FILE*> object_map_;
     std::unordered_map<FILE_KEY, INPUT_FILE*, FILE_KEY_HASH> files_on_disk_;
+    std::vector<FILE_KEY> command_files_on_disk_;
     std::unordered_map<std::string_view, INPUT_FILE*> inputs_by_name_;
     std::unordered_map<std::string_view, INPUT_FILE*> inputs_by_basename_; ///< the first of each
     std::unordered_map<std::string_view, std::vector<OBJ_FILE*>> by_basename_;
