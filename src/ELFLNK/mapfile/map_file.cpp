@@ -41,11 +41,10 @@ std::string& buffer() {
 }
 
 void map_banner() {
-    time_t when = build_time();
     mprintf("%s%s\n", asterisks, asterisks);
     mprintf("%31s %-31s\n", isa_and_tool_name(), strformat("Unix %s", version_short()).c_str());
     mprintf("%s%s\n", asterisks, asterisks);
-    mprintf(">> Linked %s\n", asctime(localtime(&when)));
+    mprintf(">> Linked %s\n", build_time_text().c_str());
     mprintf("OUTPUT FILE NAME:   <%s>\n", output_OF_FILE()->display_name());
 }
 

@@ -1,0 +1,70 @@
+Where table() may stand, what it makes there, and what it says where it may not.
+--- a.s
+    .global _start
+    .section .text.s, "ax"
+    .thumb_func
+_start:
+    bx lr
+    .section .one, "aw"
+    .byte 1, 2, 3, 4
+    .section .two, "aw"
+    .byte 5, 6, 7, 8
+    .section .three, "aw"
+    .byte 9
+    .section .refs, "a"
+    .word first
+--- mem.cmd
+--unused_section_elimination=off
+--entry_point=_start
+MEMORY { ROM (RX) : origin = 0x1000, length = 0x1000  RAM : origin = 0x8000, length = 0x1000 }
+--- case a group has a record for each member, in the order of load addresses
+--- link.cmd
+SECTIONS {
+    .text : { *(.text*) *(.refs) } > ROM
+    .ovly : > ROM
+    GROUP { .two :  .one : } LOAD > 0x1800, RUN > RAM, table(first)
+    .three : > RAM
+}
+--- args
+a.o mem.cmd link.cmd -o out.elf
+--- sym
+first             0x1008 .ovly
+__QV_table_first  0x1008 .ovly
+--- bytes .ovly
+0c 00 02 00
+00 18 00 00  00 80 00 00  04 00 00 00
+04 18 00 00  04 80 00 00  04 00 00 00
+--- case two tables on a section, one of them with sections of its own
+--- link.cmd
+SECTIONS {
+    .text : { *(.text*) *(.refs) } > ROM
+    .ovly : > ROM
+    .one : LOAD > 0x1800, RUN > RAM, table(first) table(second)
+    .two : LOAD > 0x1900, RUN > RAM, table(second)
+    .three : > RAM
+}
+--- args
+a.o mem.cmd link.cmd -o out.elf
+--- section
+.ovly 0x1008 0x2c
+--- case the table that start-up copies first has a section of its own and one name
+--- link.cmd
+SECTIONS {
+    .text : { *(.text*) } > ROM
+    .binit : > ROM
+    .one : LOAD > 0x1800, RUN > RAM, table(BINIT)
+    .two : LOAD > 0x1900, RUN > RAM, table(binit)
+    .three : > RAM
+    .refs : { *(.refs) } > ROM
+}
+first = 0;
+--- args
+a.o mem.cmd link.cmd -o out.elf
+--- sym
+__QV_table_binit 0x1008 .binit
+binit            0x1008 .binit
+__binit__        0x1008 .binit
+--- bytes .binit
+0c 00 02 00
+00 18 00 00  00 80 00 00  04 00 00 00
+00 19 00 00  04 80 00 00  04 00 00 00
