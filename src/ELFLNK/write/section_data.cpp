@@ -4,6 +4,8 @@
 
 #include "ELFLNK/build/build.h"
 #include "ELFLNK/build/section_output.h"
+#include "ELFLNK/memmap/fill_spec.h"
+#include "ELFLNK/object/fill_data.h"
 #include "ELFLNK/object/section.h"
 #include "OBJEDIT04/ofe/object_file.h"
 #include "OBJEDIT04/ofe/of_section.h"
@@ -24,7 +26,13 @@ uint8_t* place_in_output(OF_SECTION* output, uint32_t offset, uint32_t size) {
 
 void SECTION::write_data_internal(OF_SECTION* output, uint32_t offset) {
     OF_SECTION* input = OF_SECTION_api();
-    if (!input || !input->initialized() || !output->initialized()) return;
+    if (!input || !output->initialized()) return;
+    if (!input->initialized()) {
+        // Without contents of its own among others that have some; the output begins as zeros.
+        if (fill() && fill()->value() != 0)
+            fill_data(output, offset, static_cast<uint32_t>(SECTION::size()), fill());
+        return;
+    }
     OF_BYTES bytes = input->bytes();
     auto size = static_cast<uint32_t>(bytes.size);
     if (size == 0) return;
