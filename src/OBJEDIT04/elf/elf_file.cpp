@@ -160,6 +160,14 @@ unsigned ELF_FILE::unit_bytes() const {
     return machine_db()->unit_size() / 8;
 }
 
+// Made of the image of a program: a symbol says so. The names are searched as text first, since
+// nearly no file has it.
+bool ELF_FILE::is_load_image_file() {
+    ELF_SYMBOL_TABLE* symbols = symtab_index() ? elf_symbol_table() : nullptr;
+    return symbols && symbols->may_have_name(load_image_symbol_name()) &&
+           symbols->symbol_name(load_image_symbol_name(), load_image_index());
+}
+
 bool ELF_FILE::is_icode_present() {
     if (icode_flag() == ICODE_UNKNOWN)
         set_icode_flag(sections_->lookup_section_by_name(ELF_ICODE_SECTION_NAME) ? ICODE_PRESENT

@@ -45,6 +45,7 @@ class ELF_FILE final : public OBJECT_FILE {
         return ehdr_.e_type == ET_REL && (scnrel_computed_ ? scnrel_ : compute_scnrel());
     }
     bool represents_groups_with_sections() const override { return true; }
+    bool is_load_image_file() override;
     bool has_dynamic_linkage() override;
     bool build_attributes_supported() const override;
     bool build_attributes_exist() override { return build_attr_index() != 0; }

@@ -1,6 +1,8 @@
 // Reading symbols in place, and encoding a table at lock: the null symbol, locals, all others.
 #include "OBJEDIT04/elf/elf_symbol_table.h"
 
+#include <cstring>
+
 #include "OBJEDIT04/elf/elf32_rw.h"
 #include "OBJEDIT04/elf/elf_file.h"
 #include "OBJEDIT04/elf/elf_group_table.h"
@@ -180,6 +182,12 @@ bool ELF_SYMBOL_TABLE::raw_symbol(unsigned id, OF_RAW_SYMBOL& out) {
 unsigned ELF_SYMBOL_TABLE::first_global() const {
     unsigned info = section_->sh_info();
     return info < symnum_ ? info : symnum_;
+}
+
+// What was read and never changed is told by its strings.
+bool ELF_SYMBOL_TABLE::may_have_name(const char* name) const {
+    if (!names_ || changed_) return symnum_ != 0;
+    return memmem(names_, names_limit_, name, std::strlen(name) + 1) != nullptr;
 }
 
 ELF_STRING_TABLE* ELF_SYMBOL_TABLE::string_table() {

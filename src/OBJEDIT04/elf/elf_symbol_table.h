@@ -33,6 +33,7 @@ class ELF_SYMBOL_TABLE final : public OF_SYMBOL_TABLE {
 
     bool raw_symbol(unsigned id, OF_RAW_SYMBOL& out) override;
     unsigned first_global() const override;
+    bool may_have_name(const char* name) const; // false: no symbol has it
 
     ELF_STRING_TABLE* string_table(); // made in a file built in memory
     ELF_SECTION* shndx_table();       // section of the extended indices; null: none

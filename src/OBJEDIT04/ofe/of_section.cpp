@@ -92,6 +92,13 @@ void OF_SECTION::unload_relocs() {
         if (OF_RELOC_TABLE* table = reloc_table(i)) table->unload();
 }
 
+int OF_SECTION::clear_relocs() {
+    int result = 0;
+    for (unsigned i = 0; i < reloc_table_num(); ++i)
+        if (OF_RELOC_TABLE* table = reloc_table(i)) result |= table->clear();
+    return result;
+}
+
 bool OF_SECTION::any_reloc_at_offset(unsigned offset) {
     for (unsigned i = 0; i < reloc_table_num(); ++i) {
         OF_RELOC_TABLE* table = reloc_table(i);

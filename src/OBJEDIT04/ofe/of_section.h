@@ -81,6 +81,7 @@ class OF_SECTION : public OF_STATE_MACHINE {
     virtual OF_RELOC* new_reloc(bool rela) = 0;
     OF_SECTION_ALL_RELOCS all_relocs();
     void unload_relocs();
+    int clear_relocs(); // empties the tables
     bool any_reloc_at_offset(unsigned offset);
 
     // The group that this section is a member of, or null.

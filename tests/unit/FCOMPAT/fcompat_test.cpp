@@ -459,6 +459,17 @@ TEST(Fcompat, byte_orders_and_machines_must_match_before_anything_else) {
     EXPECT_EQ(said[0].find("fatal error: file \"new.o\" specifies machine \""), 0u) << said[0];
 }
 
+TEST(Fcompat, the_attributes_of_a_load_image_are_not_compared) {
+    FILE_PTR base = file_with({{ABI, 7, 'A'}});
+    FILE_PTR file = file_with({{ABI, 7, 'M'}});
+    EXPECT_EQ(compare(*base, *file).size(), 1u);
+    file->symbol_table()->new_symbol()->set_name(OBJECT_FILE::load_image_symbol_name());
+    EXPECT_EQ(compare(*base, *file), SAID{});
+    EXPECT_EQ(base->abi_battr_uval(7), unsigned{'A'});
+    file->set_machine_endian(OF_ENDIAN_BIG);
+    EXPECT_EQ(compare(*base, *file).size(), 1u);
+}
+
 TEST(Fcompat, versions_of_the_convention_must_match) {
     FILE_PTR base = new_file(), file = new_file();
     base->set_flags(0x05000000);

@@ -212,3 +212,28 @@ TEST(elf_edit, intermediate_code_is_a_section_of_that_name) {
     EXPECT_TRUE(f->is_icode_present());
     EXPECT_EQ(f->icode_flag(), ICODE_PRESENT);
 }
+
+TEST(elf_edit, a_symbol_says_that_a_file_is_made_of_a_load_image) {
+    FILE_PTR f = sample(OF_ENDIAN_LITTLE);
+    EXPECT_FALSE(f->is_load_image_file());
+    EXPECT_FALSE(read_file(saved(*f))->is_load_image_file());
+    f = sample(OF_ENDIAN_LITTLE);
+    add_symbol(*f, ".QV.load_image", f->section_table()->section_name(".data", 0), 0,
+               OF_SYM_BINDING_LOCAL);
+    EXPECT_TRUE(f->is_load_image_file());
+    f = read_file(saved(*f));
+    EXPECT_TRUE(f->is_load_image_file());
+    f->set_load_image_index(f->symbol_table()->symbol_name(".QV.load_image", 0)->id() + 1);
+    EXPECT_FALSE(f->is_load_image_file()); // looked for from there on
+}
+
+TEST(elf_edit, cleared_relocations_are_gone_from_the_section_and_from_the_file) {
+    FILE_PTR f = read_file(saved(*sample(OF_ENDIAN_BIG)));
+    OF_SECTION* data = f->section_table()->section_name(".data", 0);
+    ASSERT_EQ(data->reloc_table(0)->relnum(), 2u);
+    ASSERT_EQ(data->clear_relocs(), 0);
+    EXPECT_EQ(data->all_relocs().begin(), data->all_relocs().end());
+    EXPECT_EQ(f->section_table()->raw_relocs(data->id(), 0).size(), 0u);
+    FILE_PTR g = read_file(saved(*f));
+    EXPECT_EQ(g->section_table()->raw_relocs(data->id(), 0).size(), 0u);
+}
