@@ -42,6 +42,8 @@ PROGRAMS = {
     "crc": {"sources": [BOOT, "crc/main.c", "crc/data.s"], "runtime": True},
     "farcall": {"sources": [STARTUP, "farcall/main.c"]},
     "farcall-a15": {"sources": ["farcall-a15/start.s", "farcall-a15/main.c"], "machine": ("virt", "cortex-a15", ARMV7_A)},
+    "freestanding-be": {"sources": ["freestanding-be/start.s", "freestanding-be/main.c"],
+                        "machine": ("virt", "cortex-a15", [*ARMV7_A, "-mbig-endian"]), "peer": ["-EB", "--be8"]},
     "exceptions": {"sources": [STARTUP, "exceptions/start.cpp", "exceptions/main.cpp", "exceptions/jobs.cpp",
                                "newlib/system.c"],
                    "archives": ["libstdc++.a", "libc.a", "libm.a", "libgcc.a"],

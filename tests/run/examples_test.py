@@ -128,7 +128,7 @@ def peer_link(name, work):
     out = work / f"{name}.peer.elf"
     objects = [work / (Path(s).stem + ".o") for s in run.PROGRAMS[name]["sources"]]
     archives = [work / a for a in run.PROGRAMS[name].get("archives", [])]
-    run.run(["arm-none-eabi-ld", "--gc-sections", "-T", HERE / "peer" / f"{name}.ld", *objects, "--start-group",
+    run.run(["arm-none-eabi-ld", *run.PROGRAMS[name].get("peer", []), "--gc-sections", "-T", HERE / "peer" / f"{name}.ld", *objects, "--start-group",
              *archives, "--end-group", "-o", out])
     return out
 

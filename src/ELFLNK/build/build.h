@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "ELFLNK/build/link_kind.h"
@@ -71,3 +72,6 @@ void merge_file_attributes(OBJ_FILE* file);
 
 // Seconds since the epoch at which the output counts as built.
 long build_time();
+// The same as a line, "Thu Jan  1 00:00:00 1970\n": local time, or UTC where SOURCE_DATE_EPOCH fixes
+// it, so that two places write the same.
+std::string build_time_text();

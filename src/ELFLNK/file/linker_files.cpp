@@ -60,12 +60,33 @@ OFE::OBJECT_FILE* output_OF_FILE() {
     return output == nullptr ? nullptr : output->object_file();
 }
 
+namespace {
+
+/// The time that the user fixes for reproducible outputs, or -1. A text that is no number, or a
+/// time that no calendar of four digits has, fixes nothing.
+long fixed_time() {
+    constexpr long LAST = 253402300799; // the last second of the year 9999
+    const char* text = getenv("SOURCE_DATE_EPOCH");
+    if (text == nullptr || *text < '0' || *text > '9') return -1;
+    char* end = nullptr;
+    const long seconds = strtol(text, &end, 10);
+    return *end == '\0' && seconds <= LAST ? seconds : -1;
+}
+
+} // namespace
+
 long build_time() {
-    static const long now = [] {
-        const char* fixed = getenv("SOURCE_DATE_EPOCH"); // reproducible outputs
-        return fixed ? strtol(fixed, nullptr, 10) : static_cast<long>(time(nullptr));
-    }();
+    static const long now = fixed_time() >= 0 ? fixed_time() : static_cast<long>(time(nullptr));
     return now;
+}
+
+std::string build_time_text() {
+    const time_t when = build_time();
+    tm parts{};
+    const bool known = fixed_time() >= 0 ? gmtime_r(&when, &parts) != nullptr
+                                         : localtime_r(&when, &parts) != nullptr;
+    char text[64];
+    return known && asctime_r(&parts, text) != nullptr ? text : "\n";
 }
 
 OFE::OBJECT_FILE* new_linker_generated_file(const char* name, OFE::OF_FILE_TYPE type,
