@@ -141,8 +141,8 @@ void COMPRESS_DB::add_decompression_routine_names() {
     if (!any_compression_requested()) return;
     for (const COMPRESSION_INFO& row : table_) {
         if (row.routine == nullptr || row.requests == 0) continue;
-        routine_names_.push_back(row.routine);
         global_symbols.add_entry_name(row.routine);
+        root_collection->expect_root_removal(row.routine);
     }
 }
 
@@ -292,8 +292,10 @@ void COMPRESS_DB::specialize_compressions() {
 
 void COMPRESS_DB::remove_unused_decompression_sections() {
     for (const COMPRESSION_INFO& row : table_)
-        if (row.routine != nullptr && row.handler_index == COMPRESSION_INFO::NO_INDEX)
+        if (row.routine != nullptr && row.handler_index == COMPRESSION_INFO::NO_INDEX) {
             global_symbols.remove_entry_name(row.routine);
+            root_collection->remove_symbol_reference_from_root_section(row.routine);
+        }
 }
 
 // ---- routines that start-up code runs before it copies anything ----------------------------

@@ -94,7 +94,6 @@ class COMPRESS_DB {
     std::vector<COMPRESSION_INFO> table_; // by kind; made on first use
     std::map<const COLLECTION*, COMPRESSED_SECTION*> images_;
     std::vector<short> linker_requests_;
-    std::vector<const char*> routine_names_; // entered as roots
     HANDLER_TABLE* handler_table_ = nullptr;
     COLLECTION* compressed_sections_ = nullptr;
     bool processed_ = false;

@@ -132,3 +132,28 @@ warning: "GROUP_1" contains both ".vars" and ".cinit"; compression "lzss" can
    not be performed for ".vars"
 --- text out.map has
 	.vars: load addr=00008020, load size=00000028 bytes, run addr=00008000, run size=00000020 bytes, compression=copy
+--- case a routine that no image needs is not linked
+--- sections.s
+    .macro routine name
+    .section .text.\name, "ax"
+    .global \name
+    .thumb_func
+\name:
+    nop
+    .endm
+    routine __QV_decompress_none
+    routine __QV_decompress_lzss
+    routine __QV_zero_init
+--- keep.cmd
+MEMORY { ROM (RX) : origin = 0x1000, length = 0x1000  RAM : origin = 0x8000, length = 0x1000 }
+SECTIONS {
+    .text  : { *(.text*) } > ROM
+    .cinit : > 0x1800
+    .zeros : > 0x8100
+}
+--- args
+a.o sections.o --rom_model --retain=*(.zeros) keep.cmd -o out.elf --map_file=out.map
+--- sym
+__QV_zero_init 0x1001 .text
+__QV_decompress_lzss -
+__QV_decompress_none -
