@@ -68,6 +68,7 @@ STUBS = {
                     (".text", "AT", "near_thumb"), (".text", "TA", "near_arm"), (".text", "AT", "report"),
                     (".text", "AT", "finish"), (".far", "AT", "near_thumb"), (".far", "TT", "near_thumb"),
                     (".far", "AA", "near_arm")},
+    "overlays": {(".text", "TT", "squares")},
 }
 
 
@@ -89,6 +90,23 @@ def check_stubs(name, elf):
         raise run.Failed(f"{elf}: stubs without callers at {unused}, branches to {[hex(t) for t in lost]}")
 
 
+def check_that_changes_show(elf):
+    """A program that checks its image finds each byte that is another one than the linker wrote."""
+    image, file = run.image_of(elf), Elf(elf)
+    right = image.read_bytes()
+    for section in map(file.section, (".check0", ".check5", ".check9", ".check10", ".check12", ".part2", ".overlay1")):
+        start = next(s.paddr - s.offset for s in file.segments if s.offset <= section.offset < s.offset + s.filesz)
+        wrong = bytearray(right)
+        wrong[start + section.offset + section.size - 1] ^= 0x10
+        image.write_bytes(wrong)
+        try:
+            said = run.run_image_in_qemu(image)
+        except run.Failed as e:
+            said = str(e)
+        if "status 1\n" not in said or ", 1 wrong" not in said:
+            raise run.Failed(f"a changed byte of {section.name} isn't found:\n{said}")
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--qvlink", required=True, type=Path)
@@ -107,6 +125,8 @@ def main():
             check_file(elf)
             check_image(elf)
             check_stubs(name, elf)
+            if name == "crc":
+                check_that_changes_show(elf)
             if elf.read_bytes() != again.read_bytes():
                 raise run.Failed(f"{elf} and {again} differ")
             if not (elf.with_suffix(".map")).read_text(encoding="latin-1").strip():
