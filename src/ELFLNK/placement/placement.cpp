@@ -17,6 +17,7 @@
 #include "ELFLNK/target/target.h"
 #include "ELFLNK/trampoline/trampoline.h"
 #include "OPTIONGEN/register_option.h"
+#include "UTIL/checks.h"
 #include "UTIL/trace.h"
 
 static register_option debug_map("debug:map");
@@ -138,6 +139,7 @@ void placement() {
     place_phase_3();
     // Every object has an address.
     fill_holes();
+    if constexpr (CHECKS_ENABLED) check_calls_reach();
     Target->abi()->update_upon_placement();
     if (debug_map != 0) {
         printf("\n\nMEMORY MAP AFTER PLACEMENT:\n\n");

@@ -245,8 +245,7 @@ class GRAPH_BUILDER {
         if (r.kind == REFERENT::PLACE && always_reaches(*type->rel_template, r, offset)) return;
         TRAMP_CALL_SITE* site = Target->new_TRAMP_CALL_SITE(section_, type, offset);
         if (site == nullptr) return;
-        const int64_t beyond =
-            Target->call_displacement(site, rela ? &reloc.addend : nullptr);
+        const int64_t beyond = Target->call_displacement(site, rela ? &reloc.addend : nullptr);
         TRAMP_CALLEE* callee = find_callee(r, symbol_of(r, reloc.sym_id), beyond);
         site->set_callee(callee);
         CALL_INFO::of(section_).add_call(site);
@@ -256,7 +255,8 @@ class GRAPH_BUILDER {
         TRAMP_CALLEE* callee = nullptr;
         const uint64_t place = r.value + static_cast<uint64_t>(beyond);
         if (r.kind == REFERENT::PLACE) {
-            if (!r.section->has_attr(PA_EXEC)) DIAG_REPORT(elnk_lgt_callee_not_exec, symbol->name());
+            if (!r.section->has_attr(PA_EXEC))
+                DIAG_REPORT(elnk_lgt_callee_not_exec, symbol->name());
             callee = find_sect_callee(r.section, place);
         } else if (r.kind == REFERENT::ABSOLUTE) {
             callee = find_abs_callee(symbol, place, beyond);

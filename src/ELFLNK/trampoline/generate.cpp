@@ -113,8 +113,7 @@ void JUMP_ENT::finalize_internal(OF_SECTION* output, uint32_t offset) {
 void JUMP_ENT::write_data_internal(OF_SECTION* output, uint32_t offset) {
     if (!output->initialized() || !generated_) return;
     std::vector<uint8_t> code(size());
-    generate_code(code.data(), run_address(),
-                  output->ofile()->machine_endian() == OF_ENDIAN_BIG);
+    generate_code(code.data(), run_address(), output->ofile()->machine_endian() == OF_ENDIAN_BIG);
     output->write_to_raw_data(code.data(), narrow<uint32_t>(code.size()), offset);
 }
 

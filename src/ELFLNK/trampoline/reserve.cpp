@@ -34,8 +34,8 @@ LOCATOR* new_reserved_trampoline(TRAMP_CALL_SITE* site, const LOCATOR* caller) {
 void report_no_room(const TRAMP_CALL_SITE* site) {
     const SOURCE_POSITION where = site->srcloc();
     SECTION* section = site->section();
-    DIAG_REPORT_AT(where.is_known() ? &where : nullptr, elnk_cannot_reserve_tramp,
-                   section->name(), section->size());
+    DIAG_REPORT_AT(where.is_known() ? &where : nullptr, elnk_cannot_reserve_tramp, section->name(),
+                   section->size());
 }
 
 /// All callers that need it no longer, or can use another that stays, leave the trampoline.

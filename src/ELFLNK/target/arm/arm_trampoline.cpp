@@ -184,17 +184,16 @@ bool ARM_TRAMP_CALL_SITE::tramp_is_compatible(const TRAMPOLINE* trampoline) cons
 bool ARM_TRAMPOLINE::use_embedded_constants() {
     static const bool allowed = [] {
         OBJECT_FILE* output = file_manager.output_file()->object_file();
-        const bool asked_not_to =
-            output->qv_battr_vendor_section() != nullptr &&
-            output->qv_battr_uval(TAG_EMBEDDED_CONSTS) == NO_EMBEDDED_CONSTS;
+        const bool asked_not_to = output->qv_battr_vendor_section() != nullptr &&
+                                  output->qv_battr_uval(TAG_EMBEDDED_CONSTS) == NO_EMBEDDED_CONSTS;
         return !asked_not_to && global_opts->not_off(OPT_embedded_constants);
     }();
     return allowed;
 }
 
 STUB_ID ARM_TRAMPOLINE::choose(bool near) const {
-    return choose_stub({jump_type_, arm_callee()->is_thumb(), has_thumb2(), near,
-                        use_embedded_constants()});
+    return choose_stub(
+        {jump_type_, arm_callee()->is_thumb(), has_thumb2(), near, use_embedded_constants()});
 }
 
 uint64_t ARM_TRAMPOLINE::size() {
@@ -214,7 +213,7 @@ std::vector<JUMP_ENT::MARK> ARM_TRAMPOLINE::marks() const {
     uint32_t offset = 0;
     SECTION_MODE mode = ARM_TYPES::SM_UNKNOWN;
     for (const STUB_UNIT_ROW& unit : stub_units(code_)) {
-        const SECTION_MODE own = unit.kind == STUB_UNIT_WORD   ? ARM_TYPES::SM_DATA
+        const SECTION_MODE own = unit.kind == STUB_UNIT_WORD  ? ARM_TYPES::SM_DATA
                                  : unit.kind == STUB_UNIT_ARM ? ARM_TYPES::SM_ARM
                                                               : ARM_TYPES::SM_THUMB;
         if (own != mode) marks.push_back({offset, ARM_MACHINE_DB::mapping_sym_name(own)});
