@@ -108,7 +108,8 @@ bool glob_subset(const char* a, const char* b) {
 
 // ---- the tree ------------------------------------------------------------------------------
 
-FILTER::FILTER(const char* pattern) : pattern_(pattern), kind_(PATTERN) {
+FILTER::FILTER(const char* pattern)
+    : pattern_(pattern), is_wild_(has_wildcards(pattern)), kind_(PATTERN) {
     if (is_empty(pattern)) DIAG_REPORT(elnk_filter_empty);
 }
 
@@ -166,7 +167,7 @@ bool FILTER::has_wildcards() const {
         if (filter->left_->has_wildcards()) return true;
         if (filter->right_ == nullptr) return false;
     }
-    return has_wildcards(filter->pattern_);
+    return filter->is_wild_;
 }
 
 bool FILTER::is_match_all(const char* text) {
@@ -217,7 +218,7 @@ void FILTER::dump(bool newline) const {
 bool SECTION_FILTER::match_pattern(const char* name) const {
     const char* pattern = get_pattern();
     if (is_empty(name) || is_empty(pattern)) return false;
-    if (FILTER::has_wildcards(pattern)) return match_glob(pattern, name);
+    if (is_wild_) return matches_text(name, pattern);
     const std::size_t length = std::strlen(pattern);
     if (std::strncmp(name, pattern, length) != 0) return false;
     const char next = name[length];

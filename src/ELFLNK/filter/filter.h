@@ -51,6 +51,8 @@ class FILTER {
   protected:
     const char* pattern_ = nullptr;
 
+    bool is_wild_ = false; // the own pattern has wildcards
+
   private:
     OP_KIND kind_;
     FILTER* left_ = nullptr;
