@@ -29,6 +29,11 @@ class ElfObject:
         self.sections.append((name, 1, flags, bytes(data), 0, 0, align, 0))
         return len(self.sections) - 1
 
+    def nobits(self, name, flags, size, align=8):
+        """A section of that size without contents in the file."""
+        self.sections.append((name, 8, flags, range(size), 0, 0, align, 0))
+        return len(self.sections) - 1
+
     def set_data(self, section, data):
         row = self.sections[section]
         self.sections[section] = row[:3] + (bytes(data),) + row[4:]
@@ -70,7 +75,7 @@ class ElfObject:
         for name, (_, kind, flags, data, link, info, align, entsize) in zip(names, sections):
             out.extend(bytes(-len(out) % max(align, 1)))
             heads.append(self.pack("10I", name, kind, flags, 0, len(out), len(data), link, info, align, entsize))
-            out.extend(data)
+            out.extend(data if kind != 8 else b"")
         out.extend(bytes(-len(out) % 4))
         out[:52] = b"\x7fELF" + bytes([1, 2 if self.end == ">" else 1, 1]) + bytes(9) + self.pack(
             "HHIIIIIHHHHHH", 1, 40, 1, 0, 0, len(out), 0x05000000, 52, 0, 0, 40, len(sections), len(sections) - 1)

@@ -360,6 +360,7 @@ class LOCATOR : public OALLOC<LOCATOR> {
                       bool* needed);
     bool overlay_test_is_on();
     uint64_t smallest_hole();
+    void note_attempt_in_vain(const MEMORY_RANGE* range);
     void prepare_collection();
     bool settle_start(MEMORY_RANGE* trial);
     void commit_final();

@@ -6,8 +6,13 @@
 #include <algorithm>
 #include <cstring>
 #include <functional>
+#include <string_view>
+#include <unordered_set>
 
+#include "ELFLNK/expr/expr_mgr.h"
 #include "ELFLNK/expr/expression.h"
+#include "ELFLNK/file/file_manager.h"
+#include "ELFLNK/file/obj_file.h"
 #include "ELFLNK/locator/locator.h"
 #include "ELFLNK/memmap/memory_map.h"
 #include "ELFLNK/memmap/memory_range.h"
@@ -15,6 +20,9 @@
 #include "ELFLNK/symbol/symbol_table.h"
 #include "ELFLNK/target/abi.h"
 #include "ELFLNK/target/target.h"
+#include "OBJEDIT04/ofe/object_file.h"
+#include "OBJEDIT04/ofe/of_symbol_table.h"
+#include "OBJEDIT04/ofe/raw_records.h"
 #include "UTIL/pprint.h"
 #include "UTIL/strformat.h"
 
@@ -109,10 +117,37 @@ void LOCATOR::get_min_max(const LOCATOR* locator, uint64_t& min, uint64_t& max) 
         if (locator == nullptr || locator->match(range)) join_hull(range, min, max, any);
 }
 
+namespace {
+
+/// The names that input files refer to and don't define, gathered when first asked for: the symbol
+/// table wants none of them any more once the command file has defined it.
+const std::unordered_set<std::string_view>& referenced_names() {
+    static std::unordered_set<std::string_view> names;
+    if (!names.empty()) return names;
+    names.insert("");
+    for (const OBJ_FILE* file : file_manager.object_files()) {
+        OFE::OF_SYMBOL_TABLE* symbols = file->object_file()->symbol_table();
+        OFE::OF_RAW_SYMBOL symbol;
+        for (unsigned id = 0; symbols != nullptr && id < symbols->symnum();
+             id = symbols->next_symbol_id(id))
+            if (symbols->raw_symbol(id, symbol) && symbol.kind == OFE::OF_SYM_KIND_UNDEFINED &&
+                symbol.binding == OFE::OF_SYM_BINDING_GLOBAL)
+                names.insert(symbol.name);
+    }
+    return names;
+}
+
+bool is_wanted(const char* name) {
+    return global_symbols.need_def(name) || get_expr_mgr()->is_refd(name) ||
+           referenced_names().contains(name);
+}
+
+} // namespace
+
 bool LOCATOR::symdef_inhibits_splitting(const char** symbol_name) {
     for (EXPRESSION* expr : object_->assignments()) {
         if (!expr->is_assignment() || expr->left() == nullptr) continue;
-        if (global_symbols.need_def(expr->left()->symbol_name())) {
+        if (is_wanted(expr->left()->symbol_name())) {
             *symbol_name = expr->left()->symbol_name();
             return true;
         }

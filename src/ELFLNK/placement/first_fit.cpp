@@ -180,7 +180,7 @@ bool LOCATOR::search_holes(MEMORY_RANGE* range, MEMORY_RANGE* trial, uint64_t st
             if (must_consolidate(hole.start, hole.end)) return false;
             start = hole.start;
         }
-        must_consolidate(final, start);
+        if (!must_consolidate(final, start)) note_attempt_in_vain(range);
         return false;
     }
     uint64_t alignment = has_flag(LF_ALIGN) && align_ >= 2 && !is_split() ? align_ : 1;
@@ -190,8 +190,16 @@ bool LOCATOR::search_holes(MEMORY_RANGE* range, MEMORY_RANGE* trial, uint64_t st
         if (must_consolidate(hole.start, hole.end)) return false;
         start = hole.end;
     }
-    must_consolidate(start, final);
+    if (!must_consolidate(start, final)) note_attempt_in_vain(range);
     return false;
+}
+
+/// No hole was worth an attempt. The plain walk would have made one, and a collection has its
+/// members sorted by the first.
+void LOCATOR::note_attempt_in_vain(const MEMORY_RANGE* range) {
+    if (attempts_ != 0 || !object_->is_collection()) return;
+    if (!range->is_temp_layout()) ++attempts_;
+    prepare_collection();
 }
 
 /// Settles the start of the object within the trial, which shrinks to the part from there on.

@@ -177,16 +177,16 @@ std::vector<ORDER_KEY> PLACEMENT_PRIORITY_DAG::order_placement_worklist(uint32_t
 
 /// The nodes stand in the order of the comparison, so the root of what is left is the first node
 /// that nothing is to precede.
-std::vector<ORDER_KEY> PLACEMENT_PRIORITY_DAG::order_by_roots() {
+std::vector<uint32_t> PLACEMENT_PRIORITY_DAG::order_by_roots() {
     std::priority_queue<uint32_t, std::vector<uint32_t>, std::greater<>> roots;
     for (uint32_t node = 0; node < nodes_.size(); ++node)
         if (nodes_[node].in_degree == 0) roots.push(node);
-    std::vector<ORDER_KEY> order;
+    std::vector<uint32_t> order;
     order.reserve(nodes_.size());
     while (!roots.empty()) {
         uint32_t root = roots.top();
         roots.pop();
-        order.push_back(nodes_[root].key);
+        order.push_back(root);
         for (uint32_t target : nodes_[root].edges)
             if (--nodes_[target].in_degree == 0) roots.push(target);
     }

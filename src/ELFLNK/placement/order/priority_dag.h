@@ -32,8 +32,9 @@ class PLACEMENT_PRIORITY_DAG {
     /// The nodes in an order that no edge contradicts, the root first.
     std::vector<ORDER_KEY> order_placement_worklist(uint32_t root);
 
-    /// The order in which roots come out when each is removed before the next is looked for.
-    std::vector<ORDER_KEY> order_by_roots();
+    /// The nodes in the order in which they come out as roots, when each is removed before the next
+    /// is looked for.
+    std::vector<uint32_t> order_by_roots();
 
     bool path_exists(uint32_t from, uint32_t to) const;
     /// Nothing if the edge exists.

@@ -52,13 +52,44 @@ bool has_constraints(const KEYS& keys) {
     return false;
 }
 
-void order_by_graph(KEYS& keys, const ORDER_CONTEXT& context, bool root_by_root) {
-    PLACEMENT_PRIORITY_DAG graph(context, keys);
+void add_constraints(PLACEMENT_PRIORITY_DAG& graph) {
     graph.add_run_before_load_edges();
     graph.add_user_priority_edges();
     graph.add_competing_edges();
-    keys = root_by_root ? graph.order_by_roots()
-                        : graph.order_placement_worklist(graph.find_single_root_node());
+}
+
+void order_by_graph(KEYS& keys, const ORDER_CONTEXT& context) {
+    if (!has_constraints(keys)) return;
+    PLACEMENT_PRIORITY_DAG graph(context, keys);
+    add_constraints(graph);
+    keys = graph.order_placement_worklist(graph.find_single_root_node());
+}
+
+bool has_no_wish(const ORDER_KEY& key) {
+    return !key.locator->placement_specified();
+}
+
+/// The order in which the first of the list comes out when the list is sorted anew before each, as
+/// it is while an object without a wish is in it (one may be in the other buckets). The rest is
+/// sorted once.
+void order_by_heads(KEYS& keys, const ORDER_CONTEXT& context, bool no_wish_elsewhere) {
+    PLACEMENT_PRIORITY_DAG graph(context, keys);
+    add_constraints(graph);
+    auto without_wish = std::ranges::count_if(keys, has_no_wish);
+    std::vector<bool> taken(keys.size());
+    KEYS heads;
+    for (uint32_t node : graph.order_by_roots()) {
+        if (!no_wish_elsewhere && without_wish == 0) break;
+        if (has_no_wish(keys[node])) --without_wish;
+        taken[node] = true;
+        heads.push_back(keys[node]);
+    }
+    KEYS rest;
+    for (size_t node = 0; node < keys.size(); ++node)
+        if (!taken[node]) rest.push_back(keys[node]);
+    order_by_graph(rest, context);
+    keys = std::move(heads);
+    keys.insert(keys.end(), rest.begin(), rest.end());
 }
 
 /// Without the graph: carriers of a priority by ascending number, each in front of the first
@@ -129,17 +160,23 @@ void sort_worklist(LOCATOR_LIST& list, bool use_priorities, ORDER_WATCH* watch) 
 
     KEYS main = std::move(bucket[SPECIFIC]);
     main.insert(main.end(), bucket[MAIN].begin(), bucket[MAIN].end());
+    bool no_wish_elsewhere = false;
     if (watch != nullptr) {
         KEYS all = main;
-        for (BUCKET rest : {LAST, COPY_TABLES, EXIDX, DYNAMIC, VIRTUAL})
+        for (BUCKET rest : {LAST, COPY_TABLES, EXIDX, DYNAMIC, VIRTUAL}) {
             all.insert(all.end(), bucket[rest].begin(), bucket[rest].end());
+            no_wish_elsewhere |= std::ranges::any_of(bucket[rest], has_no_wish);
+        }
         watch->note(context, all);
     }
     if (global_opts->isopt(OPT_no_placement_optimization)) {
         order_carriers(main);
         order_runs_before_loads(main);
     } else if (use_priorities && has_constraints(main)) {
-        order_by_graph(main, context, watch != nullptr && watch->may_stand());
+        if (watch != nullptr && watch->may_stand())
+            order_by_heads(main, context, no_wish_elsewhere);
+        else
+            order_by_graph(main, context);
     }
 
     list.clear();

@@ -34,5 +34,5 @@ class ORDER_WATCH {
 /// Sorts a list into placement order. With use_priorities hard constraints (user priorities, run
 /// before load, competition for one range) are reconciled with the comparison by a graph. A watch
 /// notes the order; where it may stand, the list is the order in which objects would come out if
-/// it were sorted anew before each.
+/// it were sorted anew before each, as it must be while some of them have no wish.
 void sort_worklist(LOCATOR_LIST& list, bool use_priorities, ORDER_WATCH* watch = nullptr);
