@@ -172,25 +172,17 @@ class ARCHIVE_WALK {
 };
 
 // The format of the first member that has one.
-OFE::OF_FORMAT member_format(ARCHIVE_FILE* archive) {
-    AR_FILE* ar = archive->AR_FILE_api();
-    uint64_t first = ~uint64_t{0};
-    for (const AR_SYMBOL& symbol : ar->symbols())
-        first = std::min<uint64_t>(first, symbol.header_offset);
-    AR_MEMBER member;
-    if (!ar->member_at(first, member)) return OFE::OF_FORMAT_UNKNOWN;
-    const std::span<const uint8_t> bytes = ar->contents(member);
-    OFE::OF_FILE_HANDLE handle;
-    handle.bytes = bytes.data();
-    handle.size = static_cast<unsigned>(bytes.size());
-    OFE::determine_file_properties(handle);
-    return handle.format;
+OFE::OF_FORMAT member_format(AR_FILE* archive) {
+    for (const AR_MEMBER& member : archive->members()) {
+        const OFE::OF_FORMAT format = archive->member_format(member);
+        if (format != OFE::OF_FORMAT_UNKNOWN) return format;
+    }
+    return OFE::OF_FORMAT_UNKNOWN;
 }
 
 void report_other_format(ARCHIVE_FILE* archive) {
     const OFE::OF_FORMAT output = output_OF_FILE()->format();
-    if (entries_of(archive).empty()) return;
-    const OFE::OF_FORMAT format = member_format(archive);
+    const OFE::OF_FORMAT format = member_format(archive->AR_FILE_api());
     if (format != OFE::OF_FORMAT_UNKNOWN && format != output)
         DIAG_REPORT(elnk_lib_incompat_file_fmt, archive->name(),
                     OFE::OBJECT_FILE::format_name(format), OFE::OBJECT_FILE::format_name(output));

@@ -23,6 +23,8 @@
 #include "OBJEDIT04/machine/reloc_type.h"
 #include "OBJEDIT04/ofe/object_file.h"
 #include "OBJEDIT04/ofe/of_group_table.h"
+#include "OBJEDIT04/ofe/of_reloc.h"
+#include "OBJEDIT04/ofe/of_reloc_table.h"
 #include "OBJEDIT04/ofe/of_section.h"
 #include "OBJEDIT04/ofe/of_section_table.h"
 #include "OBJEDIT04/ofe/of_symbol.h"
@@ -158,6 +160,7 @@ void REGISTRAR::walk_section(const WORK& work) {
         if (records_references_ || !changes_nothing(*work.file, reloc.sym_id, is_debug))
             register_a_reference(work, is_debug, reloc);
     });
+    if (abi_->wants_reloc_attr()) process_reloc_attrs(work);
 }
 
 void REGISTRAR::register_a_reference(const WORK& from, bool is_debug, const OF_RAW_RELOC& reloc) {
@@ -178,6 +181,15 @@ void REGISTRAR::register_a_reference(const WORK& from, bool is_debug, const OF_R
     if (target.kind == OFE::OF_SYM_KIND_UNDEFINED && target.sym)
         register_import_reference(target.sym);
     register_target(referrer_of(from, reloc), target);
+}
+
+// What the convention makes of single relocations.
+void REGISTRAR::process_reloc_attrs(const WORK& work) {
+    OFE::OF_SECTION* section = work.file->sections->section(work.section_id);
+    for (OFE::OF_RELOC* reloc : section->all_relocs())
+        if (reloc && reloc->takes_symbol() && !reloc->is_internal())
+            abi_->process_reloc_attr(SYMBOL_TABLE::resolution(reloc->symbol()), reloc);
+    section->unload_relocs();
 }
 
 // A placeholder keeps the variants of its function.

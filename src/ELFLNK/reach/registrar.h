@@ -144,6 +144,7 @@ class REGISTRAR {
     void push_group_members(FILE_STATE& file, unsigned section_id, std::vector<WORK>& stack);
     void register_symbol_object(const REFERRER& from, OFE::OF_SYMBOL* sym, OFE::OF_SYM_KIND kind);
     void register_variants(const WORK& work);
+    void process_reloc_attrs(const WORK& work);
     void register_import_reference(OFE::OF_SYMBOL* sym);
     LINKER_OBJECT* object_of(const FILE_STATE& file, unsigned section_id) const;
     REFERRER referrer_of(const WORK& work, const OFE::OF_RAW_RELOC& reloc) const;

@@ -3,6 +3,9 @@
 // behind them.
 #include "ELFLNK/retain/retain_spec.h"
 
+#include <string_view>
+#include <unordered_set>
+
 #include "DIAG/gen_msgs.h"
 #include "ELFLNK/archive/ar_file.h"
 #include "ELFLNK/build/link_kind.h"
@@ -142,14 +145,13 @@ bool RETAIN_SPEC_MANAGER::user_retains_section(const char* name, OBJ_FILE* file)
 static bool load_members(const RETAIN_SPEC& spec, ARCHIVE_FILE* archive) {
     trace_load.printf("processing matching retain spec for %s: [ %s ]\n", archive->name(),
                       spec.text());
-    AR_FILE* ar = archive->AR_FILE_api();
-    if (ar->members().empty()) ar->create_toc();
+    // Of several members of one name the first is the one that the name stands for.
+    std::unordered_set<std::string_view> known;
+    for (const OBJ_FILE* object : archive->loaded_members()) known.insert(object->member_name());
     bool loaded = false;
-    for (const AR_MEMBER& member : ar->members()) {
-        const std::string name(member.name);
-        if (!spec.member_filter()->match(name.c_str()) ||
-            archive->loaded_member(member.header_offset))
-            continue;
+    for (const AR_MEMBER& member : archive->members()) {
+        const char* name = savestr(member.name);
+        if (!spec.member_filter()->match(name) || !known.insert(name).second) continue;
         OBJ_FILE* object = archive->load_member(&member);
         if (!object) continue;
         trace_load.printf("loading %s as required by --retain option", name);

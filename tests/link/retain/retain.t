@@ -91,3 +91,75 @@ a.o ok.cmd "--retain=*(.data" -o out.elf
 1
 --- stderr has
 error: invalid parameter *(.data to option --retain
+--- case a library by the search path
+--- args
+a.o lib.a ok.cmd "--retain=-llib.a<member.o>" --undef_sym=member -o out.elf
+--- sym
+member 0x1000 .data
+--- case which has to have members behind it
+--- args
+a.o lib.a ok.cmd "--retain=-llib.a(.data)" -o out.elf
+--- exit
+1
+--- stderr
+error: invalid parameter -llib.a(.data) to option --retain
+error: errors encountered during linking; "out.elf" not built
+--- case and no pattern
+--- args
+a.o lib.a ok.cmd "--retain=-llib*<member.o>" -o out.elf
+--- exit
+1
+--- stderr
+error: invalid parameter -llib*<member.o> to option --retain
+error: errors encountered during linking; "out.elf" not built
+--- case a file that is not there adds no filter: the section of any file
+--- args
+a.o b.o ok.cmd "--retain=nowhere.o(.isr_vector)" -o out.elf
+--- section
+.vectors 0x1000 20
+--- case what stands behind the lists is ignored
+--- args
+a.o b.o ok.cmd "--retain=b.o(.isr_vector)>,<" -o out.elf
+--- section
+.vectors 0x1000 12
+--- case a name and nothing but a closing bracket
+--- args
+a.o ok.cmd "--retain=a.o)" -o out.elf
+--- exit
+1
+--- stderr has
+error: invalid parameter a.o) to option --retain
+--- case commas between names may be left out
+--- args
+a.o ok.cmd "--retain=*(.isr_vector .data.other)" -o out.elf
+--- sym
+other 0x1008 .data
+--- case a member by a pattern, its sections by another
+--- args
+a.o lib.a ok.cmd "--retain=l*.a<m*.o>(*member)" -o out.elf
+--- sym
+member 0x1000 .data
+--- case sections of members leave those of plain files alone
+--- args
+a.o lib.a ok.cmd "--retain=*.a<*>(.data*)" -o out.elf
+--- sym
+member 0x1000 .data
+other -
+--- case in a partial link it has no effect, and loads nothing
+--- args
+a.o lib.a "--retain=lib.a<member.o>" --retain=member -r -o out.elf
+--- sym
+member -
+--- case all members and all sections of all libraries, by file pattern too, is refused
+--- args
+a.o ok.cmd "--retain=*<*>(*)" --retain=*(.data.kept) -o out.elf
+--- exit
+1
+--- stderr
+error: invalid parameter *<*>(*) to option --retain
+error: errors encountered during linking; "out.elf" not built
+--- case all sections of all files is not
+--- args
+a.o ok.cmd "--retain=*(*)" -o out.elf
+--- sym
+other 0x1004 .data

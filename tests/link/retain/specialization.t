@@ -93,6 +93,35 @@ __mpu_enable: bx lr
 --- ctor.s
     .section .init_array, "aw", %init_array
     .word 0
+--- zero.inc
+    .global _start
+    .section .text._start, "ax"
+    .thumb_func
+_start: b __QV_zero_init
+    .balign 4
+    .word tab, buffer
+    .section .bss.buffer, "aw", %nobits
+    .global buffer
+buffer: .space SIZE
+--- zero999.s -Wa,--defsym,SIZE=999
+    .include "zero.inc"
+--- zero1000.s -Wa,--defsym,SIZE=1000
+    .include "zero.inc"
+--- zeroinit.s
+    .global __QV_zero_init, __QV_zero_init_nomemset
+    .section .text.full, "ax"
+    .thumb_func
+__QV_zero_init: movs r1, #1
+    b .
+    .section .text.small, "ax"
+    .thumb_func
+__QV_zero_init_nomemset: movs r1, #0
+    b .
+--- zero.cmd
+--entry_point=_start
+--diag_suppress=10151
+MEMORY { M : origin = 0x1000, length = 0x1000 }
+SECTIONS { .text : { *(.text*) } > M  .bss : { *(.bss*) } > M, table(tab)  .ovly : > M }
 --- ok.cmd
 --entry_point=_start
 --diag_suppress=10151
@@ -223,3 +252,19 @@ boot.o variants.o args.o mpu.o boot.cmd --ram_model --arg_size=16 -o out.elf
 --- dis .text
 <_c_int00>:
 movs r1, #3
+--- case little to be cleared
+--- args
+zero999.o zeroinit.o zero.cmd -o out.elf
+--- dis .text
+<__QV_zero_init_nomemset>:
+movs r1, #0
+--- sym
+__QV_zero_init -
+--- case enough for memset
+--- args
+zero1000.o zeroinit.o zero.cmd -o out.elf
+--- dis .text
+<__QV_zero_init>:
+movs r1, #1
+--- sym
+__QV_zero_init_nomemset -
