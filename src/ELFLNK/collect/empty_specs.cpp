@@ -28,8 +28,9 @@ class TAKEN_NAMES {
 
     bool may_match(const FILTER* filter) const {
         if (filter == nullptr) return true;
-        if (filter->get_kind() == FILTER::OR && filter->right() != nullptr)
-            return may_match(filter->left()) || may_match(filter->right());
+        for (; filter->get_kind() == FILTER::OR && filter->right() != nullptr;
+             filter = filter->right())
+            if (may_match(filter->left())) return true;
         if (filter->get_kind() != FILTER::PATTERN) return true;
         const char* name = filter->get_pattern();
         return FILTER::has_wildcards(name) || Target->abi()->section_name_is_reserved(name) ||

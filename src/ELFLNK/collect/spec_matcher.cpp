@@ -24,18 +24,8 @@ SPEC_MATCHER::SPEC_MATCHER(const std::vector<SECTION_SPEC*>& specs)
     tried_.erase(std::unique(tried_.begin(), tried_.end()), tried_.end());
 }
 
-/// What tells filters apart; "" for none.
-static std::string key_of(const FILTER* filter) {
-    std::string key;
-    for (; filter != nullptr; filter = filter->right()) {
-        if (filter->get_kind() == FILTER::PATTERN) return key + filter->get_pattern();
-        key += key_of(filter->left());
-        key += static_cast<char>(filter->get_kind()); // no character of a name
-    }
-    return key;
-}
-
 void SPEC_MATCHER::group_by_files() {
+    auto key_of = [](const FILTER* filter) { return filter != nullptr ? filter->key() : ""; };
     using FILES = std::tuple<const INPUT_FILE*, std::string, std::string>;
     std::map<FILES, uint32_t> classes;
     for (uint32_t i = 0; i < specs_.size(); ++i) {

@@ -202,6 +202,17 @@ int FILTER::supersede_compare(const FILTER* a, const FILTER* b) {
     return b->supersedes(a) ? -1 : 0;
 }
 
+std::string FILTER::key() const {
+    std::string key;
+    const FILTER* filter = this;
+    for (; filter != nullptr && filter->kind_ != PATTERN; filter = filter->right_) {
+        key += static_cast<char>(filter->kind_); // no character of a name
+        key += filter->left_->key();
+        key += '\n';
+    }
+    return filter != nullptr ? key + filter->pattern_ : key;
+}
+
 void FILTER::dump(bool newline) const {
     const FILTER* filter = this;
     for (; filter != nullptr && filter->kind_ != PATTERN; filter = filter->right_) {

@@ -5,6 +5,7 @@
 // ordered by what they cover: the narrower of two specifications gets a section.
 #pragma once
 
+#include <string>
 #include <string_view>
 
 class PPRINT;
@@ -45,6 +46,8 @@ class FILTER {
     OP_KIND get_kind() const { return kind_; }
     const FILTER* left() const { return left_; }
     const FILTER* right() const { return right_; }
+    /// What tells the tree from others; of a plain pattern, its text.
+    std::string key() const;
     /// The tree as text on standard output, with a line end if wanted.
     void dump(bool newline) const;
 

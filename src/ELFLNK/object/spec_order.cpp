@@ -83,16 +83,9 @@ class RESTRICTIVENESS {
         std::vector<std::size_t> narrower; // patterns
     };
 
-    static std::string text_of(const FILTER* filter) {
-        if (filter == nullptr) return "";
-        if (filter->get_kind() == FILTER::PATTERN) return filter->get_pattern();
-        return std::string(1, '\0') + std::to_string(filter->get_kind()) + '(' +
-               text_of(filter->left()) + '\n' + text_of(filter->right()) + ')';
-    }
-
     void add(std::size_t place, const SECTION_FILTER* filter) {
         if (filter == nullptr) return;
-        auto [at, is_new] = by_text_.emplace(text_of(filter), patterns_.size());
+        auto [at, is_new] = by_text_.emplace(filter->key(), patterns_.size());
         if (is_new) patterns_.push_back({filter, {}, false, {}});
         patterns_[at->second].places.insert(place);
         pattern_of_[place] = at->second;

@@ -5,6 +5,7 @@
 
 #include <random>
 #include <string>
+#include <vector>
 
 #include "ELFLNK/target/target.h"
 #include "OPTIONGEN/option_obj.h"
@@ -143,6 +144,23 @@ TEST_F(FILTER_TEST, trees_combine_with_and_or_not) {
     EXPECT_FALSE(none.match("a"));
     EXPECT_TRUE(either.has_wildcards());
     EXPECT_FALSE(either.is_match_all());
+}
+
+TEST_F(FILTER_TEST, a_list_of_very_many_names_needs_no_deep_stack) {
+    constexpr unsigned count = 300000;
+    std::vector<std::string> names;
+    for (unsigned i = 0; i < count; ++i) names.push_back(".text.f" + std::to_string(i));
+    auto* list = new SECTION_FILTER(names[0].c_str());
+    for (unsigned i = 1; i < count; ++i)
+        list = new SECTION_FILTER(FILTER::OR, new SECTION_FILTER(names[i].c_str()), list);
+    EXPECT_TRUE(list->match(".text.f0"));
+    EXPECT_FALSE(list->match(".text"));
+    EXPECT_FALSE(list->has_wildcards());
+    EXPECT_FALSE(list->is_match_all());
+    EXPECT_FALSE(list->supersedes(list->left()));
+    const std::string key = list->key();
+    EXPECT_GT(key.size(), count * 10);
+    delete list;
 }
 
 TEST_F(FILTER_TEST, an_empty_pattern_ends_the_link) {
