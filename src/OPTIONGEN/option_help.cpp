@@ -1,6 +1,8 @@
 // The help and the XML description, both made from the table.
 #include "OPTIONGEN/option_table.h"
+#include "UTIL/strformat.h"
 
+#include <cstdarg>
 #include <cstring>
 #include <strings.h>
 
@@ -91,6 +93,38 @@ std::string xml_escape(std::string_view text) {
     return escaped;
 }
 
+/// One line of the description, indented by its depth in the tree.
+[[gnu::format(printf, 3, 4)]] void xml_line(FILE* to, int depth, const char* format, ...) {
+    constexpr int INDENT = 4;
+    va_list args;
+    va_start(args, format);
+    fprintf(to, "%*s%s\n", INDENT * depth, "", vstrformat(format, args).c_str());
+    va_end(args);
+}
+
+const char* yes_no(bool yes) {
+    return yes ? "yes" : "no";
+}
+
+void print_xml_option(FILE* to, option_id id) {
+    const OPTION_DEF& def = option_def(id);
+    xml_line(to, 1, "<OPTION NAME=\"%s\" CLASS=\"%s\" HIDDEN=\"%s\" EFFECT=\"%s\">",
+             xml_escape(option_spelling(id, 0)).c_str(), option_class_title(def.cls),
+             yes_no(is_hidden(id)), yes_no((def.flags & OPTION_NO_EFFECT) == 0));
+    std::string_view spelling;
+    for (unsigned form = 0; !(spelling = option_spelling(id, form)).empty(); form++)
+        xml_line(to, 2, "<SPELLING>%s</SPELLING>", xml_escape(spelling).c_str());
+    if (takes_parameter(def.kind))
+        xml_line(to, 2, "<PARAMETER OPTIONAL=\"%s\" REPEATED=\"%s\" DEFAULT=\"%s\">%s</PARAMETER>",
+                 yes_no(parameter_optional(def.kind)), yes_no(keeps_all(def.kind)),
+                 xml_escape(def.default_text).c_str(), xml_escape(def.parameter).c_str());
+    for (const OPTION_ITEM& item : def.items)
+        xml_line(to, 2, "<VALUE>%s</VALUE>", xml_escape(item.text).c_str());
+    for (const char* text : {def.help, def.more})
+        if (text[0] != '\0') xml_line(to, 2, "<HELP>%s</HELP>", xml_escape(text).c_str());
+    xml_line(to, 1, "</OPTION>");
+}
+
 } // namespace
 
 void option_obj::display_option_help(const char* text) {
@@ -110,21 +144,6 @@ void option_obj::display_option_help(const char* text) {
 
 void option_obj::print_xml(FILE* to) {
     fprintf(to, "<?xml version=\"1.0\" ?>\n<TOOLSET>\n");
-    for (unsigned n = 0; n < OPTION_COUNT; n++) {
-        const option_id id = option_id(n);
-        const OPTION_DEF& def = option_def(id);
-        fprintf(to, "%*s<OPTION NAME=\"%s\" CLASS=\"%s\">\n", 4, "",
-                xml_escape(option_spelling(id, 0)).c_str(), option_class_title(def.cls));
-        std::string_view spelling;
-        for (unsigned form = 0; !(spelling = option_spelling(id, form)).empty(); form++)
-            fprintf(to, "%*s<SPELLING>%s</SPELLING>\n", 8, "", xml_escape(spelling).c_str());
-        if (takes_parameter(def.kind))
-            fprintf(to, "%*s<PARAMETER OPTIONAL=\"%s\">%s</PARAMETER>\n", 8, "",
-                    parameter_optional(def.kind) ? "yes" : "no", xml_escape(def.parameter).c_str());
-        for (const OPTION_ITEM& item : def.items)
-            fprintf(to, "%*s<VALUE>%s</VALUE>\n", 8, "", xml_escape(item.text).c_str());
-        fprintf(to, "%*s<HELP>%s</HELP>\n", 8, "", xml_escape(def.help).c_str());
-        fprintf(to, "%*s</OPTION>\n", 4, "");
-    }
+    for (unsigned id = 0; id < OPTION_COUNT; id++) print_xml_option(to, option_id(id));
     fprintf(to, "</TOOLSET>\n");
 }

@@ -87,7 +87,7 @@ constexpr CLASS_DEF classes[] = {
     {"Advice", false},
     {"Help", false},
     {"Directories of a recompilation", true},
-    {"Accepted without effect", true},
+    {"For build files of old", true},
     {"For developers of the linker", true},
 };
 static_assert(std::size(classes) == CLASS_COUNT);

@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -57,6 +59,53 @@ TEST(option_help, a_long_form_has_its_text_on_the_next_line) {
     EXPECT_EQ(
         help_for("--output_file"),
         "  --output_file=file, -o \n                       Name of the output file (a.out)\n");
+}
+
+/// Tags open and close as they must, and no text holds a bare '<', '>' or '&'.
+bool is_well_formed(const std::string& xml, unsigned& elements) {
+    std::vector<std::string> open;
+    size_t at = xml.find('>') + 1; // behind the declaration
+    while (at < xml.size()) {
+        const size_t tag = xml.find('<', at);
+        const std::string text = xml.substr(at, tag - at);
+        for (size_t n = 0; (n = text.find('&', n)) != text.npos; n++)
+            if (text.compare(n, 4, "&lt;") != 0 && text.compare(n, 4, "&gt;") != 0 &&
+                text.compare(n, 5, "&amp;") != 0 && text.compare(n, 6, "&quot;") != 0)
+                return false;
+        if (text.find('>') != text.npos) return false;
+        if (tag == xml.npos) break;
+        const size_t end = xml.find('>', tag);
+        if (end == xml.npos) return false;
+        std::string name = xml.substr(tag + 1, end - tag - 1);
+        at = end + 1;
+        if (name[0] != '/') {
+            elements++;
+            open.push_back(name.substr(0, name.find(' ')));
+        } else if (open.empty() || open.back() != name.substr(1)) {
+            return false;
+        } else {
+            open.pop_back();
+        }
+    }
+    return open.empty();
+}
+
+TEST(option_help, the_description_in_xml_is_well_formed_and_has_every_option) {
+    char* text = nullptr;
+    size_t size = 0;
+    FILE* to = open_memstream(&text, &size);
+    option_obj::print_xml(to);
+    fclose(to);
+    const std::string xml(text, size);
+    free(text);
+    EXPECT_EQ(xml.substr(0, 32), "<?xml version=\"1.0\" ?>\n<TOOLSET>");
+    unsigned elements = 0;
+    EXPECT_TRUE(is_well_formed(xml, elements));
+    EXPECT_GT(elements, 4 * OPTION_COUNT);
+    EXPECT_EQ(lines_with(xml, "    <OPTION NAME="), unsigned(OPTION_COUNT));
+    EXPECT_NE(xml.find("<OPTION NAME=\"--yydebug\" CLASS=\"For developers of the linker\" "
+                       "HIDDEN=\"yes\" EFFECT=\"no\">\n        <SPELLING>--yydebug</SPELLING>\n"),
+              xml.npos);
 }
 
 } // namespace
