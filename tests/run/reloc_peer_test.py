@@ -125,7 +125,8 @@ def check(name, options, code, order, opts):
                         work / "peer.elf")
     if status:
         return f"GNU ld refuses it:\n{text}"
-    status, text = tool(opts.qvlink, work / "a.o", work / "link.cmd", *own_options, "-o", work / "out.elf")
+    status, text = tool(opts.qvlink, work / "a.o", work / "link.cmd", *own_options, "--trampolines=off",
+                        "-o", work / "out.elf")
     if status or text:
         return f"status {status}\n{text}"
     ours, theirs = (Elf(work / f).section(".src").data for f in ("out.elf", "peer.elf"))

@@ -272,7 +272,8 @@ def check(opts, name, types, big=False, arch=w.V7, peer_options=(), options=()):
     peer, end = Elf(peer_file).section(".src").data, ">" if big else "<"
     for rela in (False, True):
         stem = f"{name}{'-rela' * rela}"
-        status, text = tool(opts.qvlink, work / f"{stem}.o", work / "link.cmd", *options, "-o", work / f"{stem}.elf")
+        status, text = tool(opts.qvlink, work / f"{stem}.o", work / "link.cmd", *options, "--trampolines=off",
+                            "-o", work / f"{stem}.elf")
         reports = sum(REPORTED.get(c.type.name, lambda _: False)(c) for c in cases)
         flat = " ".join(text.split())
         found = flat.count("overflowed; the")
@@ -315,7 +316,7 @@ def check_with_lld(opts):
     if status:
         print(f"lld fails:\n{text[:3000]}")
         return 1
-    status, text = tool(opts.qvlink, work / "lld.o", work / "link.cmd", "-o", work / "lld.elf")
+    status, text = tool(opts.qvlink, work / "lld.o", work / "link.cmd", "--trampolines=off", "-o", work / "lld.elf")
     ours, theirs = (Elf(work / n).section(".src").data for n in ("lld.elf", "lld-peer.elf"))
     wrong = [c for c in cases if ours[c.place & -SLOT:][:SLOT] != theirs[c.place & -SLOT:][:SLOT]]
     for c in wrong:
