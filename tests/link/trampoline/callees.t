@@ -56,6 +56,13 @@ start: bl code + 0x10
     .type code, %function
     .thumb_func
 code: .space 0x40
+--- plt.s -mcpu=arm7tdmi
+    .section .start, "ax"
+    .arm
+    .global start
+    .type start, %function
+start: .reloc ., R_ARM_PLT32, start
+    .word 0xEBFFFFFE
 --- l.cmd
 --entry_point=start --retain=*(.far)
 MEMORY { LOW (RWX) : o = 0x8000, l = 0x1000  HIGH (RWX) : o = 0x20000000, l = 0x1000 }
@@ -133,4 +140,12 @@ m3.o common.o l.cmd -o out.elf
 1
 --- stderr has
 fatal error: Function call to symbol "callee", which is not a function
+--- no-file out.elf
+--- case a branch of a kind that no stub serves
+--- args
+plt.o l.cmd -o out.elf
+--- exit
+1
+--- stderr has
+fatal error: unknown call relocation in plt.o(.start) at location 0
 --- no-file out.elf

@@ -34,6 +34,7 @@ int ARM_TARGET::call_bias(const OF_RELOC_TEMPLATE& rel) const {
 bool ARM_TARGET::call_may_change_state(SECTION* from, const OF_RELOC_TEMPLATE& rel, uint32_t at,
                                        SECTION* to, uint64_t offset, bool odd) const {
     const ARM_TYPES::SECTION_MODE state = arm_branch_state(rel);
+    if (state == ARM_TYPES::SM_UNKNOWN) return true; // reported when the site is made
     if (odd && state == ARM_TYPES::SM_THUMB) return false;
     if (arm_branch_may_become_blx(from, rel, at)) return false;
     return odd || arm_state_at(to, offset) != state;

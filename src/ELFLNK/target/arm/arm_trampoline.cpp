@@ -79,7 +79,6 @@ unsigned arm_output_isa_profile() {
 SECTION_MODE arm_branch_state(const OF_RELOC_TEMPLATE& rel) {
     switch (rel.id) {
     case OFR_ARM_PC24:
-    case OFR_ARM_PLT32:
     case OFR_ARM_CALL:
     case OFR_ARM_JUMP24:
         return ARM_TYPES::SM_ARM;
