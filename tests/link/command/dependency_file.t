@@ -38,6 +38,7 @@ memory\#1.h:
 a.o -e start -o out.elf --dependency_file=out.d
 --- exit
 1
---- stderr re
-(.|\n)*"out.elf" not built\n?
+--- stderr has
+error: unresolved symbols remain
+error: errors encountered during linking; "out.elf" not built
 --- no-file out.d

@@ -25,5 +25,7 @@ SOURCE_DATE_EPOCH=1700000000x
 --- case beyond all calendars
 --- env
 SOURCE_DATE_EPOCH=99999999999999999999
---- text out.map re
-(.|\n)*>> Linked [A-Z][a-z]+ [A-Z][a-z]+ +\d+ [0-9:]+ 20\d\d\n(.|\n)*
+--- text out.map lacks
+>> Linked Fri Dec 31 23:59:59 9999
+--- text out.map has
+OUTPUT FILE NAME:   <out.elf>
