@@ -93,6 +93,8 @@ class RELENG_HOOKS {
     virtual std::vector<RELOC_REDIRECT> redirects(OF_SECTION*) { return {}; }
     // The symbol's section does not take part in the link.
     virtual bool is_gone(OF_SYMBOL*) { return false; }
+    // The name of a symbol in messages.
+    virtual std::string display_name(const char* link_name) { return link_name; }
 };
 
 class OF_RELENG {

@@ -43,8 +43,10 @@ std::string OF_RELENG::relref(const RELOC_SITE& site) const {
     RELOC_SOURCE place;
     if (source(site, place) && !place.function.empty())
         text += FROM[place.function_kind] + ("\"" + place.function) + "\" ";
-    if (site.symbol && site.symbol->input)
-        text += std::string("to symbol \"") + site.symbol->input->name() + "\" ";
+    if (site.symbol && site.symbol->input) {
+        const char* name = site.symbol->input->name();
+        text += "to symbol \"" + (hooks_m ? hooks_m->display_name(name) : name) + "\" ";
+    }
     return text;
 }
 

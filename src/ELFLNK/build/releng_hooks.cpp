@@ -9,6 +9,7 @@
 #include "ELFLNK/load/file_symbols.h"
 #include "ELFLNK/object/root_collection.h"
 #include "ELFLNK/object/section.h"
+#include "ELFLNK/symbol/symbol_table.h"
 #include "ELFLNK/trampoline/trampoline.h"
 #include "OBJEDIT04/ofe/object_file.h"
 #include "OBJEDIT04/ofe/of_section.h"
@@ -47,6 +48,9 @@ class LINKER_HOOKS final : public RELENG_HOOKS {
             if (function->assembly) out.function_kind = RELOC_SOURCE::ASSEMBLY_FUNCTION;
         }
         return !out.file.empty() || !out.function.empty();
+    }
+    std::string display_name(const char* link_name) override {
+        return global_symbols.diag_sym_name(link_name);
     }
 
   private:
