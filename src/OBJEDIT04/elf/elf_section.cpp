@@ -27,6 +27,14 @@ ELF_SECTION* elf_api(OF_SECTION* section) {
     return static_cast<ELF_SECTION*>(section);
 }
 
+namespace {
+
+bool is_reloc_type(unsigned type) {
+    return type == SHT_REL || type == SHT_RELA;
+}
+
+} // namespace
+
 ELF_SECTION::ELF_SECTION(ELF_SECTION_TABLE* table, unsigned id) : OF_SECTION(table, id) {}
 ELF_SECTION::~ELF_SECTION() = default;
 
@@ -224,13 +232,14 @@ OF_RELOC* ELF_SECTION::new_reloc(bool rela) {
     auto* s = static_cast<ELF_SECTION*>(
         elf_table()->new_section(savestrf("%s%s", rela ? ".rela" : ".rel", name())));
     if (!s) return nullptr;
-    s->set_sh_type(rela ? SHT_RELA : SHT_REL);
-    s->set_sh_flags(0);
-    s->set_sh_entsize(rela ? ELF_RELASIZE : ELF_RELSIZE);
-    s->set_align(4);
-    s->set_sh_info(id_);
-    s->set_sh_link(file->symtab_index());
-    elf_table()->relocs_changed();
+    Elf32_Shdr& h = s->header();
+    h.sh_type = rela ? SHT_RELA : SHT_REL;
+    h.sh_flags = 0;
+    h.sh_entsize = rela ? ELF_RELASIZE : ELF_RELSIZE;
+    h.sh_addralign = 4;
+    h.sh_info = id_;
+    h.sh_link = file->symtab_index();
+    elf_table()->add_reloc_section(id_, s->id());
     ELF_RELOC_TABLE* table = s->reloc_table_api();
     return table ? table->new_reloc() : nullptr;
 }
@@ -245,8 +254,11 @@ int ELF_SECTION::clear_group() {
     return OF_SECTION::clear_group();
 }
 
+// What is a relocation section, and of which section, is no longer what was found.
 int ELF_SECTION::set_sh_type(unsigned v) {
     if (max_state(OF_STATE_LOCKED) != 0) return -1;
+    if (v != shdr_.sh_type && (is_reloc_type(v) || is_reloc_type(shdr_.sh_type)))
+        elf_table()->relocs_changed();
     shdr_.sh_type = v;
     return 0;
 }
@@ -262,6 +274,7 @@ int ELF_SECTION::set_sh_link(unsigned v) {
 }
 int ELF_SECTION::set_sh_info(unsigned v) {
     if (max_state(OF_STATE_LOCKED) != 0) return -1;
+    if (is_reloc_type(shdr_.sh_type)) elf_table()->relocs_changed();
     shdr_.sh_info = v;
     return 0;
 }

@@ -287,17 +287,36 @@ void ELF_SECTION_TABLE::find_reloc_tables() {
             h.sh_info < scnnum() && !is_deleted(i))
             found.emplace_back(h.sh_info, i);
     if (found.empty()) return;
-    reloc_first_.assign(scnnum() + 1, 0);
+    unsigned last = 0;
+    for (auto& f : found) last = f.first > last ? f.first : last;
+    reloc_first_.assign(last + 2, 0);
     for (auto& f : found) ++reloc_first_[f.first + 1];
-    for (unsigned i = 0; i < scnnum(); ++i) reloc_first_[i + 1] += reloc_first_[i];
+    for (unsigned i = 0; i <= last; ++i) reloc_first_[i + 1] += reloc_first_[i];
     std::vector<unsigned> at(reloc_first_.begin(), reloc_first_.end() - 1);
     reloc_list_.resize(found.size());
     for (auto& f : found) reloc_list_[at[f.first]++] = f.second;
 }
 
+// Files are built section by section, each with its relocations: what comes last is appended.
+void ELF_SECTION_TABLE::add_reloc_section(unsigned section_id, unsigned id) {
+    if (!relocs_found_) return;
+    const unsigned at = static_cast<unsigned>(reloc_list_.size());
+    if (section_id + 2 < reloc_first_.size()) {
+        relocs_found_ = false;
+    } else if (section_id + 2 == reloc_first_.size()) {
+        reloc_list_.push_back(id);
+        reloc_first_.back() = at + 1;
+    } else {
+        reloc_first_.resize(section_id + 1, at);
+        reloc_first_.push_back(at + 1);
+        reloc_list_.push_back(id);
+    }
+}
+
 unsigned ELF_SECTION_TABLE::raw_reloc_table_num(unsigned section_id) {
     find_reloc_tables();
-    if (section_id + 1 >= reloc_first_.size() || section_id == OF_DELETED) return 0;
+    if (section_id == OF_DELETED || section_id + 1 >= reloc_first_.size() || is_deleted(section_id))
+        return 0;
     return reloc_first_[section_id + 1] - reloc_first_[section_id];
 }
 

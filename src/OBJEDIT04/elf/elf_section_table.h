@@ -60,7 +60,7 @@ class ELF_SECTION_TABLE final : public OF_SECTION_TABLE {
     bool in_other_group(unsigned id, const OF_GROUP_TABLE* group) const {
         return id < group_of_.size() && group_of_[id] && group_of_[id] != group;
     }
-    const char* raw_name(unsigned id); // never null
+    const char* raw_name(unsigned id);          // never null
     bool names_contain(const char* text) const; // in a file that was read: some name does
 
     static const ELF_SPECIAL_SECTION* special_section(const char* name);
@@ -76,6 +76,7 @@ class ELF_SECTION_TABLE final : public OF_SECTION_TABLE {
     unsigned reloc_section(unsigned section_id,
                            unsigned table); // index of a relocation section; 0: none
     void relocs_changed() { relocs_found_ = false; }
+    void add_reloc_section(unsigned section_id, unsigned id); // a new one, behind the others
     void clear_data();
 
     int lock_section_table_entries();
@@ -107,8 +108,7 @@ class ELF_SECTION_TABLE final : public OF_SECTION_TABLE {
     bool any_loaded_ = false; // a section object exists, whose name may differ from the file's
     bool relocs_found_ = false;
     bool groups_resolved_ = false;
-    std::vector<unsigned>
-        reloc_first_; // section id to its range in reloc_list_; empty: no relocations
+    std::vector<unsigned> reloc_first_;     // section id to its range in reloc_list_; beyond: none
     std::vector<unsigned> reloc_list_;      // relocation section ids
     std::vector<OF_GROUP_TABLE*> group_of_; // empty: no groups
 };

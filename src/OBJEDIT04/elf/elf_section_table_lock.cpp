@@ -33,7 +33,6 @@ OF_SECTION* ELF_SECTION_TABLE::new_section(const char* name) {
     auto* s = static_cast<ELF_SECTION*>(OF_SECTION_TABLE::new_section(borne));
     if (!s) return nullptr;
     any_loaded_ = true;
-    relocs_found_ = false;
     const ELF_SPECIAL_SECTION* row = special_section(name ? name : "");
     Elf32_Shdr& h = s->header();
     h.sh_type = row ? row->type : unsigned{SHT_PROGBITS};
@@ -65,10 +64,8 @@ int ELF_SECTION_TABLE::delete_section(unsigned id) {
     if (max_state(OF_STATE_OPEN) != 0) return -1;
     if (id >= scnnum()) return -1;
     if (is_deleted(id)) return 0;
-    while (unsigned r = reloc_section(id, 0)) {
-        if (OF_SECTION_TABLE::delete_section(r) != 0) return -1;
-        relocs_found_ = false;
-    }
+    for (unsigned i = 0, n = raw_reloc_table_num(id); i < n; ++i)
+        if (OF_SECTION_TABLE::delete_section(reloc_section(id, i)) != 0) return -1;
     if (sections_[id]) elf_file()->forget_companions(static_cast<ELF_SECTION*>(sections_[id]));
     Elf32_Shdr h;
     if (raw_header(id, h)) {
