@@ -87,14 +87,20 @@ void EXPR_MGR::create_sym_for_assign(OBJREL_ASG& asg) {
                                           static_cast<OFE::OF_SYM_BINDING>(binding));
         if (asg.symbol == nullptr) return;
         global_symbols.update_linker_symbol(asg.symbol, asg.object);
+        if (asg.user && binding == EXPR_BIND_STRONG) user_symbols_[asg.symbol] = asg.expr;
         if (global) {
-            if (asg.user)
-                DIAG_REPORT_AT(&asg.expr->source_position(), elnk_infile_sym_redef, name,
-                               file_name_of(def));
+            report_redefinition(asg.symbol, def);
             global_symbols.update_symbol(def, asg.symbol);
         }
     }
     global_symbols.remove_undef_name(name);
+}
+
+void EXPR_MGR::report_redefinition(const OFE::OF_SYMBOL* assigned, OFE::OF_SYMBOL* replaced) const {
+    auto found = user_symbols_.find(assigned);
+    if (found == user_symbols_.end()) return;
+    DIAG_REPORT_AT(&found->second->source_position(), elnk_infile_sym_redef, assigned->name(),
+                   file_name_of(replaced));
 }
 
 void EXPR_MGR::remove_assignment(const EXPRESSION* expr) {

@@ -7,6 +7,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -31,6 +32,8 @@ class EXPR_MGR {
     /// Makes the symbols of the assignments that came before the output file did. Called once it
     /// exists.
     void create_pending_symbols();
+    /// Warns where a user's assignment stands in for what an input file defines.
+    void report_redefinition(const OFE::OF_SYMBOL* assigned, OFE::OF_SYMBOL* replaced) const;
     /// Drops an assignment from the list; nothing happens if it isn't there.
     void remove_assignment(const EXPRESSION* expr);
     /// One assignment belongs to another object from now on.
@@ -61,6 +64,7 @@ class EXPR_MGR {
     void sort_assignments();
 
     std::vector<OBJREL_ASG> assignments_;
+    std::unordered_map<const OFE::OF_SYMBOL*, const EXPRESSION*> user_symbols_; // strong ones
     std::unordered_set<std::string_view> refs_; // texts that live to the end
     bool in_pass_ = false;
 };

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "DIAG/elnk_msgs.h"
+#include "ELFLNK/expr/expr_mgr.h"
 #include "ELFLNK/file/file_manager.h"
 #include "ELFLNK/file/obj_file.h"
 #include "ELFLNK/symbol/demangle.h"
@@ -77,7 +78,10 @@ OF_SYMBOL* SYMBOL_TABLE::check_redefinition(OF_SYMBOL* E, OF_SYMBOL* N) {
         if (e_in_comdat != is_defined_in_comdat(N)) return e_in_comdat ? N : E;
     }
     const bool e_linker_made = is_linker_symbol(E);
-    if (e_linker_made != is_linker_symbol(N)) return e_linker_made ? E : N;
+    if (e_linker_made != is_linker_symbol(N)) {
+        get_expr_mgr()->report_redefinition(e_linker_made ? E : N, e_linker_made ? N : E);
+        return e_linker_made ? E : N;
+    }
     if (Target->abi()->is_muldef_ok(N)) return E;
     DIAG_REPORT(elnk_sym_redef, diag_sym_name(N->name()), symbol_file_name(E), symbol_file_name(N));
     return E;

@@ -116,3 +116,12 @@ e 3
 chosen 3
 f2 6
 f 9
+--- case an assignment stands in for a definition of a file, wherever that file stands
+--- l.cmd
+chosen = 9;
+--- args
+l.cmd base.cmd weak.o a.o -o out.elf
+--- stderr
+"l.cmd", line 1: warning: symbol "chosen" from file "weak.o" being redefined
+--- sym
+chosen 9 ABS

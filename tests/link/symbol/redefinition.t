@@ -119,5 +119,7 @@ main.o comdat.o strong1.o ok.cmd -o out.elf
 --- case the linker's symbol stays against an input's
 --- args
 main.o define.cmd abs5.o ok.cmd -o out.elf
+--- stderr
+"define.cmd", line 1: warning: symbol "x" from file "abs5.o" being redefined
 --- sym
 x 0x77
