@@ -43,6 +43,7 @@ void create_outfile_sections();
 void copy_symbols(bool prebuild);
 void drop_unlinked_absolute_symbols();
 void copy_undefined_symbols();
+void define_alias_symbols();
 void check_imports();
 void report_readonly_violations();
 void create_program_headers();

@@ -22,6 +22,8 @@
 #include "ELFLNK/target/abi.h"
 #include "ELFLNK/target/target.h"
 #include "ELFLNK/trampoline/trampoline.h"
+#include "OBJEDIT04/elf/elf_file.h"
+#include "OBJEDIT04/elf/elf_symalias_table.h"
 #include "OBJEDIT04/machine/reloc_type.h"
 #include "OBJEDIT04/ofe/object_file.h"
 #include "OBJEDIT04/ofe/of_reloc.h"
@@ -349,6 +351,58 @@ void copy_undefined_symbols() {
         pass.root(SYMBOL_TABLE::resolution(symbol));
 }
 
+// --- aliases
+
+namespace {
+
+// In a final link an alias is a symbol of its own again, with what its target says.
+void define_alias(OF_SYMBOL_TABLE* table, OF_SYMBOL* alias) {
+    OF_SYMBOL* target = alias->resolved_by_final();
+    if (alias->final() || !alias->is_alias() || target == alias || !target->final()) return;
+    OF_SYMBOL* made = output_OF_FILE()->symbol_table()->new_symbol();
+    made->set_name_view(alias->name());
+    copy_symbol_fields(alias, made);
+    global_symbols.update_symbol(alias, made);
+    remember_input(made, table, alias->id());
+    trace_build.printf("--> define alias symbol %s (alias of %s)\n", made->name(), target->name());
+    if (target->refs_section()) made->set_section(target->section());
+    made->set_value(target->value());
+    made->set_alias(true);
+    made->set_final_value(true);
+    made->set_final(true);
+    trace_build.printf("--> update alias symbol %s, value = 0x%08x\n", made->name(), made->value());
+}
+
+// What a partial link writes down for the next one: the ids of both in its output.
+void record_alias(OF_SYMBOL* alias, OF_SYMBOL* target) {
+    const OF_SYMBOL* from = alias->resolved_by_final();
+    const OF_SYMBOL* to = target->resolved_by_final();
+    OBJECT_FILE* output = output_OF_FILE();
+    if (from->ofile() != output || to->ofile() != output) return;
+    elf_api(output)->symalias_table(true)->add_alias(from->id(), to->id());
+}
+
+} // namespace
+
+void define_alias_symbols() {
+    if (output_OF_FILE()->format() != OF_FORMAT_ELF) return;
+    const bool partial = is_partial_link();
+    for (OBJ_FILE* file : file_manager.object_files()) {
+        OBJECT_FILE* object = file->object_file();
+        if (object->format() != OF_FORMAT_ELF || file == file_manager.output_file()) continue;
+        ELF_SYMALIAS_TABLE* aliases = elf_api(object)->symalias_table(false);
+        OF_SYMBOL_TABLE* table = object->symbol_table();
+        if (aliases == nullptr || table == nullptr) continue;
+        for (const auto& [alias, target] : aliases->alias_map()) {
+            if (alias == target || alias >= table->symnum() || target >= table->symnum()) continue;
+            if (partial)
+                record_alias(table->symbol(alias), table->symbol(target));
+            else
+                define_alias(table, table->symbol(alias));
+        }
+    }
+}
+
 void check_imports() {
     for (unsigned i = 0, n = global_opts->getargcount(OPT_import); i < n; ++i) {
         const char* name = global_opts->getstrarg(OPT_import, i);
@@ -368,6 +422,7 @@ void create_outfile_components(bool prebuild) {
     create_jump_entry_symbols(!prebuild);
     if (!prebuild) {
         copy_undefined_symbols();
+        define_alias_symbols();
         check_imports();
         report_undefined_symbols(undefined_symbols);
     }

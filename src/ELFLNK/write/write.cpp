@@ -23,12 +23,15 @@
 #include "OBJEDIT04/ofe/of_symbol.h"
 #include "OBJEDIT04/ofe/of_symbol_table.h"
 #include "OPTIONGEN/option_obj.h"
+#include "OPTIONGEN/register_option.h"
 #include "UTIL/file_handle_manager.h"
 #include "UTIL/trace.h"
 
 using namespace OFE;
 
 namespace {
+
+register_option debug_ofd("debug:ofd");
 
 // Sections from this size on are written in place, smaller ones are collected first.
 constexpr uint64_t DIRECT_WRITE_SIZE = 16384;
@@ -147,6 +150,16 @@ bool symbols_change() {
            outsym_attr_manager.has_changes();
 }
 
+// The text form of the output: --ofd=file, or on standard output behind --debug:ofd.
+void dump_output() {
+    if (const char* name = global_opts->getstrarg(OPT_ofd); name != nullptr) {
+        output_OF_FILE()->save_text(name);
+    } else if (debug_ofd != 0) {
+        printf("\n\nOUTPUT FILE DUMP:\n");
+        output_OF_FILE()->save_text(fhm_stdout());
+    }
+}
+
 void check_loadable() {
     OBJECT_FILE* out = output_OF_FILE();
     if (is_partial_link()) return;
@@ -180,6 +193,7 @@ void write() {
         writer.discard();
         return;
     }
+    dump_output(); // reads sections from the file, which commit() closes
     if (!writer.commit(out->file_type() != OF_FILE_TYPE_RELOCATABLE)) {
         writer.discard();
         DIAG_REPORT(elnk_open_outfile, output_name());
