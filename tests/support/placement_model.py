@@ -99,6 +99,7 @@ class Obj:
         self.cached = None  # size, smallest size
         self.fixed_min = None
         self.init_overlay = self.load_placement = self.chosen = False
+        self.has_loaded_overlay = False
         self.anchored = False  # a symbol of it is referred to
         for m in members:
             self.add(m)
@@ -221,6 +222,7 @@ class Model:
         self.alphabetical, self.optimize = alphabetical, optimize
         self.failures, self.warnings = [], []
         self.worklist = []
+        self.is_certain = True  # false: the comparison went in circles, and the order is that of some sort
 
     # ---- before placement
 
@@ -373,7 +375,9 @@ class Model:
         specific = [l for l in items if l.specific is not None]
         virtual = [l for l in items if l.specific is None and l.virtual]
         main = [l for l in items if l.specific is None and not l.virtual]
-        main = specific + sorted(main, key=functools.cmp_to_key(self.compare))
+        main = sorted(main, key=functools.cmp_to_key(self.compare))
+        self.is_certain &= all(self.compare(a, b) <= 0 for i, a in enumerate(main) for b in main[i + 1:])
+        main = specific + main
         if not self.optimize:
             main = self.without_graph(main)
         elif use_priorities and self.has_constraints(main):

@@ -11,11 +11,13 @@
 #include "ELFLNK/memmap/memory_map.h"
 #include "ELFLNK/object/root_collection.h"
 #include "ELFLNK/placement/fill/fill.h"
+#include "ELFLNK/placement/order/callgraph_order.h"
 #include "ELFLNK/placement/order/worklist.h"
 #include "ELFLNK/table/copy_table_db.h"
 #include "ELFLNK/target/abi.h"
 #include "ELFLNK/target/target.h"
 #include "ELFLNK/trampoline/trampoline.h"
+#include "OPTIONGEN/option_obj.h"
 #include "OPTIONGEN/register_option.h"
 #include "UTIL/checks.h"
 #include "UTIL/trace.h"
@@ -46,6 +48,7 @@ void place_phase(int phase) {
     PLACEMENT_STATE& state = placement_state();
     state.phase = phase;
     place_worklist(state.worklist[phase]);
+    if constexpr (CHECKS_ENABLED) check_placement();
 }
 
 /// The other address of an object that stands in the first range of an ALIAS pair. If the user
@@ -85,6 +88,7 @@ void place_phase_3() {
     list.swap(state.worklist[2]);
     sort_worklist(list, false);
     for (LOCATOR* locator : list) locator->place_object();
+    if constexpr (CHECKS_ENABLED) check_placement();
 }
 
 } // namespace
@@ -125,6 +129,7 @@ void LOCATOR::remove_locator(LOCATOR* locator) {
 void placement() {
     trace_placement.printf("\n\nPLACEMENT PHASE:\n\n");
     build_tramp_call_graph();
+    if (global_opts->isopt(OPT_minimize_trampolines)) DFS_VISITOR().callgraph_traversal();
     Target->visit_callgraph();
     analyze_tree();
     // Every locator that stands on its own is in the worklist of its phase.

@@ -29,6 +29,9 @@ void enter_worklist(LOCATOR* locator);
 /// list is empty afterwards.
 void place_worklist(LOCATOR_LIST& list);
 
+/// Aborts with a message if the placement so far breaks a rule; for builds that check themselves.
+void check_placement();
+
 /// What the phase remembers while it runs.
 struct PLACEMENT_STATE {
     LOCATOR_LIST worklist[3]; ///< of phases 1, 2 and 3

@@ -98,7 +98,9 @@ void LOCATOR::coalesce_item(LOCATOR* item) {
 
 void LOCATOR::coalesce() {
     bool was_whole = is_placed() && !is_split();
-    if (was_whole && range_ != nullptr) range_->remove_item(this, false);
+    // Within a larger object this isn't in the range by itself.
+    const bool is_subitem = was_whole && range_ != nullptr && !range_->contents().contains(this);
+    if (was_whole && range_ != nullptr) range_->remove_item(this, is_subitem);
     drop_sub_items();
     set_flag(LF_ORDERED);
     extract_subitems();
@@ -108,7 +110,7 @@ void LOCATOR::coalesce() {
             continue;
         if (!was_whole)
             for (LOCATOR* part : item->sub_items()) item->range_->remove_item(part, false);
-        item->range_->add_item(item, false);
+        item->range_->add_item(item, is_subitem);
     }
 }
 

@@ -6,6 +6,7 @@
 
 #include "ELFLNK/memmap/memory_map.h"
 #include "ELFLNK/object/section.h"
+#include "ELFLNK/trampoline/call_info.h"
 #include "OPTIONGEN/option_obj.h"
 
 namespace {
@@ -52,7 +53,8 @@ int compare_names(const ORDER_KEY& a, const ORDER_KEY& b) {
 
 ORDER_CONTEXT::ORDER_CONTEXT()
     : ranges_(memory_map->begin(), memory_map->end()),
-      alphabetical_(global_opts->isopt(OPT_alphabetical_ordering)) {
+      alphabetical_(global_opts->isopt(OPT_alphabetical_ordering)),
+      by_callgraph_(global_opts->isopt(OPT_minimize_trampolines)) {
     for (const MEMORY_RANGE* range : ranges_) unused_.push_back(range->unused());
     intern({});
 }
@@ -131,6 +133,12 @@ int ORDER_CONTEXT::compare_members(const ORDER_KEY& a, const ORDER_KEY& b) const
     return compare_preferred(a, b);
 }
 
+/// With the call graph, callees before their callers.
+int ORDER_CONTEXT::compare_by_callgraph(const ORDER_KEY& a, const ORDER_KEY& b) const {
+    if (!by_callgraph_ || a.section_name == nullptr || b.section_name == nullptr) return 0;
+    return CALL_INFO::compare_postorder(a.object, b.object);
+}
+
 /// Both have room: the one for which it is scarcer, relative to its size.
 int ORDER_CONTEXT::compare_room(const ORDER_KEY& a, const ORDER_KEY& b) const {
     if (a.size == 0 || b.size == 0) {
@@ -163,6 +171,7 @@ int ORDER_CONTEXT::compare(const ORDER_KEY& a, const ORDER_KEY& b) const {
     if (a.specific != b.specific) return before_if(a.specific);
     if (a.parent == b.parent && a.parent != nullptr)
         if (int order = compare_members(a, b)) return order;
+    if (int order = compare_by_callgraph(a, b)) return order;
     if (alphabetical_)
         if (int order = compare_names(a, b)) return order;
     if (a.use_count == 1 && b.use_count > 1) return -1;

@@ -45,6 +45,7 @@ class ORDER_CONTEXT {
   private:
     uint32_t intern(const std::vector<uint32_t>& ranges);
     int compare_members(const ORDER_KEY& a, const ORDER_KEY& b) const;
+    int compare_by_callgraph(const ORDER_KEY& a, const ORDER_KEY& b) const;
     int compare_room(const ORDER_KEY& a, const ORDER_KEY& b) const;
 
     std::vector<MEMORY_RANGE*> ranges_;
@@ -52,4 +53,5 @@ class ORDER_CONTEXT {
     std::vector<std::vector<uint32_t>> use_sets_;       // ascending indices into ranges_
     mutable std::vector<std::vector<uint64_t>> shared_; // by pair of sets; all ones: not yet known
     bool alphabetical_;
+    bool by_callgraph_; // --minimize_trampolines
 };

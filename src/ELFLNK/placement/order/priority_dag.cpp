@@ -1,7 +1,9 @@
 // See the header.
 #include "ELFLNK/placement/order/priority_dag.h"
 
+#include <algorithm>
 #include <bit>
+#include <numeric>
 #include <queue>
 
 #include "DIAG/elnk_msgs.h"
@@ -175,20 +177,30 @@ std::vector<ORDER_KEY> PLACEMENT_PRIORITY_DAG::order_placement_worklist(uint32_t
     return {order.rbegin(), order.rend()};
 }
 
-/// The nodes stand in the order of the comparison, so the root of what is left is the first node
-/// that nothing is to precede.
+/// The nodes stand in the order of the comparison, but for specific addresses, which come first as
+/// they were written. So the root of what is left is the first node that nothing is to precede,
+/// once those are in order too.
 std::vector<uint32_t> PLACEMENT_PRIORITY_DAG::order_by_roots() {
-    std::priority_queue<uint32_t, std::vector<uint32_t>, std::greater<>> roots;
+    std::vector<uint32_t> by_rank(nodes_.size());
+    std::iota(by_rank.begin(), by_rank.end(), 0);
+    auto addresses_end = std::find_if(by_rank.begin(), by_rank.end(),
+                                      [this](uint32_t node) { return !nodes_[node].key.specific; });
+    std::stable_sort(by_rank.begin(), addresses_end, [this](uint32_t a, uint32_t b) {
+        return context_.compare(nodes_[a].key, nodes_[b].key) < 0;
+    });
+    std::vector<uint32_t> rank(nodes_.size());
+    for (uint32_t i = 0; i < by_rank.size(); ++i) rank[by_rank[i]] = i;
+    std::priority_queue<uint32_t, std::vector<uint32_t>, std::greater<>> roots; // ranks
     for (uint32_t node = 0; node < nodes_.size(); ++node)
-        if (nodes_[node].in_degree == 0) roots.push(node);
+        if (nodes_[node].in_degree == 0) roots.push(rank[node]);
     std::vector<uint32_t> order;
     order.reserve(nodes_.size());
     while (!roots.empty()) {
-        uint32_t root = roots.top();
+        uint32_t root = by_rank[roots.top()];
         roots.pop();
         order.push_back(root);
         for (uint32_t target : nodes_[root].edges)
-            if (--nodes_[target].in_degree == 0) roots.push(target);
+            if (--nodes_[target].in_degree == 0) roots.push(rank[target]);
     }
     return order;
 }
