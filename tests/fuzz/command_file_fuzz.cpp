@@ -1,8 +1,10 @@
-// The parser of command files on any text. What a command file makes lives to the end of a link, so
-// each input leaves something behind; libFuzzer is run in processes that take turns (-fork=1).
+// The parser of command files, behind the preprocessor, on any text. What a command file makes
+// lives to the end of a link, so each input leaves something behind; libFuzzer is run in processes
+// that take turns (-fork=1).
 #include <memory>
 #include <string_view>
 
+#include "CPP/cpp.h"
 #include "DIAG/diagnostic.h"
 #include "ELFLNK/expr/expression.h"
 #include "ELFLNK/filter/filter.h"
@@ -16,11 +18,29 @@
 
 namespace {
 
+// The lines of the text behind the preprocessor, which finds no include files.
+class SOURCE : public LCF_SOURCE, private CPP_CLIENT_INTERFACE {
+  public:
+    explicit SOURCE(std::string_view text) : cpp_("fuzz.cmd", text, this) {}
+    std::string_view next_line() override { return cpp_.fgets(); }
+    bool is_preprocessed() const override { return true; }
+    void find_place(size_t offset, unsigned& line, unsigned& column) const override {
+        if (cpp_.is_rewritten()) cpp_.find_place(offset, line, column);
+    }
+    LCF_PARSER* parser = nullptr;
+
+  private:
+    const char* find_h_file(const char*, const char*, bool) override { return nullptr; }
+    void set_srcloc(const char* file, unsigned line) override { parser->set_srcloc(file, line); }
+    void process_diagnostic(DIAGNOSTIC& diag) override { diag.report(); }
+
+    CPP cpp_;
+};
+
 // Files and options are noted only: what they do is outside of the parser.
 class PARSER : public LCF_PARSER {
   public:
-    explicit PARSER(std::string_view text)
-        : LCF_PARSER(std::make_unique<LCF_TEXT_SOURCE>(text), "fuzz.cmd") {}
+    explicit PARSER(std::unique_ptr<LCF_SOURCE> text) : LCF_PARSER(std::move(text), "fuzz.cmd") {}
 
   protected:
     bool process_option(const char* text) override {
@@ -86,7 +106,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (global_opts == nullptr) global_opts = new option_obj(true);
     memory_map->clear();
     root_collection = new ROOT_COLLECTION;
-    PARSER parser({reinterpret_cast<const char*>(data), size});
+    auto source =
+        std::make_unique<SOURCE>(std::string_view(reinterpret_cast<const char*>(data), size));
+    SOURCE& lines = *source;
+    PARSER parser(std::move(source));
+    lines.parser = &parser;
     parser.parse();
     walk(root_collection);
     return 0;

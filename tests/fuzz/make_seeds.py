@@ -100,6 +100,23 @@ ECC { f : { a = 1 } } VERSION { V1 { *; }; }
 MEMORY { } SECTIONS { } = ; } "open
 /* open
 """,
+    "directives": r"""#define KB(n) ((n) * 1024)
+#define S(x) #x
+#define C(a, b) a ## b
+#define SELF SELF x
+#if defined(KB) && C(1, 2) == 12 || 'a' < 0x62 ? 1 : 0
+MEMORY { M : o = KB(16), l = KB(KB(2)) } // c
+#elif UNDEFINED
+#else
+/* x
+ y */ z
+#endif
+S("a\b" C(__LINE__, __FILE__)) \
+ SELF C(x, KB)(3)
+#line 7 "other"
+#undef KB
+KB(
+""",
     "empty_pattern": 'SECTIONS { .a : { *<"">("\0x", "") ""(.b) } }\n',
 }
 
@@ -182,6 +199,7 @@ def main():
 
     for name, text in COMMAND_FILES.items():
         seed("command_file", name, text.encode())
+        seed("preprocessor", name, text.encode())
     shutil.rmtree(directory)
 
 
