@@ -1,6 +1,7 @@
 // Archive members on demand. An archive's directory is interned once. After the first walk over it,
-// only names that came to need a definition meanwhile are looked at again, in the order in which
-// walks repeated over the whole directory would meet them.
+// only names that came to need a definition since are looked at again, in the order in which walks
+// repeated over the whole directory would meet them: a group that is read a thousand times costs no
+// more than the names that were needed meanwhile.
 #include "ELFLNK/load/archive_scan.h"
 
 #include <algorithm>
@@ -34,6 +35,9 @@ struct DIRECTORY {
     std::vector<uint32_t> ids;                        // per entry
     std::vector<bool> failed;                         // per entry: its member could not be loaded
     std::vector<std::pair<uint32_t, uint32_t>> by_id; // (name id, entry), sorted
+    size_t needs_seen = 0;                            // how far in the log of needs
+    bool was_walked = false; // all entries were looked at, the link having started
+    unsigned mappings_known = 0;
 };
 
 struct AR_DEF {
@@ -42,6 +46,7 @@ struct AR_DEF {
 };
 
 std::unordered_map<ARCHIVE_FILE*, DIRECTORY> directories;
+std::vector<uint32_t> needs; // all names that came to need a definition, in that order
 std::unordered_map<uint32_t, std::vector<AR_DEF>>
     ar_def_table; // name id to entries, in command line order
 
@@ -97,6 +102,11 @@ bool load_archive_member(ARCHIVE_FILE* archive, uint32_t entry) {
     return true;
 }
 
+void log_needs() {
+    const std::vector<uint32_t> taken = global_symbols.take_needs();
+    needs.insert(needs.end(), taken.begin(), taken.end());
+}
+
 // One archive, walked until a pass loads nothing.
 class ARCHIVE_WALK {
   public:
@@ -104,59 +114,68 @@ class ARCHIVE_WALK {
         : archive_(archive), directory_(directory_of(archive)) {}
 
     bool run() {
-        global_symbols.take_needs();
-        while (full_pass()) {
-            // The maps and specifications that come with the first object may ask for names passed
-            // already.
-            if (started_link_) continue;
-            while (!next_pass_.empty()) partial_pass();
-            break;
-        }
+        log_needs();
+        if (is_walked()) find_entries(0, nullptr);
+        bool loaded = false;
+        do {
+            loaded = !is_walked() && full_pass();
+            while (!next_pass_.empty()) loaded |= partial_pass();
+            loaded_any_ |= loaded;
+        } while (loaded && !is_walked());
         return loaded_any_;
     }
 
   private:
+    // Every entry was looked at as names are mapped now. The maps and specifications that come with
+    // the first object may ask for names passed already, and so may names of patches.
+    bool is_walked() const {
+        return directory_.was_walked && directory_.mappings_known == patch_mapping_count();
+    }
+
     bool full_pass() {
         bool loaded = false;
-        started_link_ = false;
+        directory_.was_walked = default_abi_is_known();
+        directory_.mappings_known = patch_mapping_count();
+        directory_.needs_seen = needs.size();
         next_pass_.clear();
         for (uint32_t i = 0; i < directory_.ids.size(); ++i) {
             if (!try_entry(i)) continue;
             loaded = true;
-            sort_needs(i, nullptr);
+            find_entries(i + 1, nullptr);
         }
         return loaded;
     }
 
-    void partial_pass() {
+    bool partial_pass() {
+        bool loaded = false;
         PASS pass(std::greater<>(), std::move(next_pass_));
         next_pass_.clear();
         while (!pass.empty()) {
             const uint32_t i = pass.top();
             pass.pop();
-            if (try_entry(i)) sort_needs(i, &pass);
+            if (!try_entry(i)) continue;
+            loaded = true;
+            find_entries(i + 1, &pass);
         }
+        return loaded;
     }
 
     bool try_entry(uint32_t i) {
-        if (directory_.failed[i] || !is_wanted(directory_.ids[i])) return false;
-        const bool was_known = default_abi_is_known();
-        if (!load_archive_member(archive_, i)) return false;
-        if (!was_known) started_link_ = true;
-        loaded_any_ = true;
-        return true;
+        return !directory_.failed[i] && is_wanted(directory_.ids[i]) &&
+               load_archive_member(archive_, i);
     }
 
-    // New needs with entries behind position i belong to this pass, others to the next. A full pass
+    // New needs with entries from `passed` on belong to this pass, others to the next. A full pass
     // meets the former anyway.
     using PASS = std::priority_queue<uint32_t, std::vector<uint32_t>, std::greater<>>;
-    void sort_needs(uint32_t i, PASS* pass) {
-        for (uint32_t need : global_symbols.take_needs()) {
-            const uint32_t id = global_symbols.mapped_id(need);
+    void find_entries(uint32_t passed, PASS* pass) {
+        log_needs();
+        for (; directory_.needs_seen < needs.size(); ++directory_.needs_seen) {
+            const uint32_t id = global_symbols.mapped_id(needs[directory_.needs_seen]);
             auto it = std::lower_bound(directory_.by_id.begin(), directory_.by_id.end(),
                                        std::pair{id, uint32_t{0}});
             for (; it != directory_.by_id.end() && it->first == id; ++it) {
-                if (it->second <= i)
+                if (passed == 0 || it->second < passed)
                     next_pass_.push_back(it->second);
                 else if (pass)
                     pass->push(it->second);
@@ -168,7 +187,6 @@ class ARCHIVE_WALK {
     DIRECTORY& directory_;
     std::vector<uint32_t> next_pass_;
     bool loaded_any_ = false;
-    bool started_link_ = false;
 };
 
 // The format of the first member that has one.
@@ -230,6 +248,7 @@ void build_ar_def_table(ARCHIVE_FILE* archive) {
 void clear_ar_def_table() {
     ar_def_table.clear();
     directories.clear();
+    needs.clear();
 }
 
 bool scan_archive(ARCHIVE_FILE* archive) {

@@ -30,6 +30,9 @@ struct FILE_SYMBOLS {
 FILE_SYMBOLS& file_symbols(const OFE::OBJECT_FILE* object);
 const FILE_SYMBOLS* find_file_symbols(const OFE::OBJECT_FILE* object);
 
+/// How many names of patches were met: each may have changed what another name stands for.
+unsigned patch_mapping_count();
+
 /// The final symbol that symbol `sym_id` of the file stands for once symbols are linked: its
 /// definition, or the undefined representative of its name. Makes an object only where the symbol
 /// has to stand for itself.

@@ -82,9 +82,12 @@ bool resolve_aliases(OBJECT_FILE* object) {
 
 // A patch object replaces a function by its own and still reaches the replaced one, by names of two
 // forms.
+unsigned patch_mappings = 0;
+
 void add_patch_mapping(const char* name) {
     ABI* abi = Target->abi();
     const char* plain = abi->hll_name(name);
+    ++patch_mappings;
     if (begins(plain, PATCH_INTERCEPT))
         global_symbols.add_mapping_entry(
             nullptr, abi->hll_to_link_name(plain + PATCH_INTERCEPT.size()), name);
@@ -169,6 +172,10 @@ class SYMBOL_SCAN {
 };
 
 } // namespace
+
+unsigned patch_mapping_count() {
+    return patch_mappings;
+}
 
 bool default_abi_is_known() {
     return file_manager.output_file() != nullptr;
