@@ -28,7 +28,8 @@
     --- run MACHINE                the text that the program prints in QEMU, by semihosting
 
 The output that sym, section and so on look at is out.elf. On failure the test prints what was expected, what came,
-and the command that runs it again. -k keeps going to the next case.
+and the command that runs it again. -k keeps going to the next case. --additive links each case again with the options beside the table, to the same
+result.
 """
 import argparse
 import difflib
@@ -227,6 +228,27 @@ class Case:
         for name, check in self.CHECK.items():
             for head, body, _ in self.checks.get(name, []):
                 check(self, head, body)
+        if self.opts.additive:
+            self.link_again(args, env, done)
+
+    def link_again(self, args, env, first):
+        """Extensions that are asked for, but say what holds without them, change no byte of messages and files."""
+        if not args or "--target2" in " ".join(args) or "--dependency_file" in " ".join(args):
+            return
+
+        def files():
+            return {p.name: re.sub(rb">> Linked .*", b"", p.read_bytes()) for p in self.work.iterdir()
+                    if p.is_file() and p.name != "additive.d"}
+
+        before = files()
+        done = command([self.opts.qvlink, "--target2=abs", "--dependency_file=additive.d", *args], self.work, env=env,
+                       timeout=60)
+        after = files()
+        if (done.returncode, done.stdout, done.stderr) != (first.returncode, first.stdout, first.stderr):
+            raise Failure("with --target2 and --dependency_file the link says\n" + done.stderr.decode("latin-1"))
+        if before != after:
+            other = [n for n in before.keys() | after.keys() if before.get(n) != after.get(n)]
+            raise Failure(f"with --target2 and --dependency_file the link writes others of {other}")
 
     def check_text(self, head, body):
         path = self.work / head[1]
@@ -358,6 +380,8 @@ def run_file(path, opts):
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--qvlink", required=True)
+    parser.add_argument("--additive", action="store_true",
+                        help="link again with extensions that must change nothing")
     parser.add_argument("--work", default="/tmp/linktest")
     parser.add_argument("-k", "--keep-going", action="store_true")
     parser.add_argument("tests", nargs="+")

@@ -188,6 +188,7 @@ void write() {
     }
     trace_build.printf("\n--> Write object file to '%s'\n", output_name());
     bool saved = symbols_change() ? edit_symbols_and_save(file) : save_and_write_data(file);
+    out->set_name(output_name()); // not that of the unfinished file
     if (DIAGNOSTIC::error_count_m > 0 || !saved) {
         DIAG_REPORT(elnk_outfile_not_built, output_name());
         writer.discard();
