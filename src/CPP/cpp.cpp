@@ -102,7 +102,7 @@ std::string_view CPP::fgets() {
             if (code != DIR_NONE) {
                 pp_directive(code, logical, name, rest);
             } else {
-                write_line(logical);
+                write_line(logical, false);
             }
         }
         if (!pending_.empty()) pp_report_srcloc();
@@ -166,16 +166,16 @@ bool CPP::is_untouched(std::string_view line) {
     return true;
 }
 
-void CPP::write_line(const PP_LINE& line) {
+void CPP::write_line(const PP_LINE& line, bool in_pragma) {
     const unsigned first_line = source_.line();
-    in_directive_ = false;
+    in_directive_ = in_pragma;
     expand_ = true;
     out_.clear();
     places_.assign(1, {0, first_line, 1});
     start_tokens(line, 0);
     PP_TOKEN token;
     while (pp_token(token)) {
-        if (token.kind == PP_STRINGIZE || token.kind == PP_PASTE)
+        if (!in_pragma && (token.kind == PP_STRINGIZE || token.kind == PP_PASTE))
             cpp_error(DIAG::cpp_not_in_macro(__FILE__, __LINE__, token.str()));
         pp_write(token);
         if (out_.size() > MAX_OUTPUT) cpp_fatal(DIAG::cpp_line_too_long(__FILE__, __LINE__));

@@ -72,7 +72,7 @@ class CPP : private PP_ERRORS {
     // Output.
     bool pp_eof();
     bool is_untouched(std::string_view line);
-    void write_line(const PP_LINE& line);
+    void write_line(const PP_LINE& line, bool in_pragma);
     void pp_write(const PP_TOKEN& token);
     void pp_report_srcloc();
 

@@ -104,7 +104,7 @@ void CPP::pp_directive(DIRECTIVE code, const PP_LINE& line, std::string_view nam
         start_tokens(line, rest);
         return pp_include(trimmed(text));
     case DIR_PRAGMA:
-        return write_line(line);
+        return write_line(line, true);
     default:
         break;
     }
