@@ -235,8 +235,11 @@ void drop_unlinked_absolute_symbols() {
     bool deleted = false;
     for (unsigned id = 1, n = table->symnum(); id < n; id = table->next_symbol_id(id)) {
         OF_SYMBOL* symbol = table->symbol(id);
-        if (symbol->kind() == OF_SYM_KIND_ABSOLUTE && !root_collection->symbol_is_in_link(symbol)) {
+        if (symbol->kind() == OF_SYM_KIND_ABSOLUTE &&
+            !root_collection->symbol_is_in_link(symbol) &&
+            !get_expr_mgr()->is_refd(symbol->name())) {
             if (id < input_refs.size()) input_refs[id] = {};
+            global_symbols.remove_linker_symbol(symbol);
             table->delete_symbol(id);
             deleted = true;
         } else {
@@ -244,6 +247,7 @@ void drop_unlinked_absolute_symbols() {
         }
     }
     if (!deleted) return;
+    get_expr_mgr()->drop_undefined();
     table->purge_deleted_symbols();
     std::vector<INPUT_REF> old = std::move(input_refs); // ids have moved down
     input_refs.clear();

@@ -111,6 +111,13 @@ void EXPR_MGR::remove_assignment(const EXPRESSION* expr) {
     if (!in_pass_) std::erase_if(assignments_, is_done);
 }
 
+void EXPR_MGR::drop_undefined() {
+    std::erase_if(assignments_, [](const OBJREL_ASG& asg) {
+        return asg.symbol != nullptr &&
+               global_symbols.lookup_def(assigned_name(asg.expr)) == nullptr;
+    });
+}
+
 static void give_assignment(OBJREL_ASG& asg, LINKER_OBJECT* to) {
     asg.object = to;
     if (asg.symbol != nullptr && global_symbols.is_linker_symbol(asg.symbol))

@@ -36,6 +36,8 @@ class EXPR_MGR {
     void report_redefinition(const OFE::OF_SYMBOL* assigned, OFE::OF_SYMBOL* replaced) const;
     /// Drops an assignment from the list; nothing happens if it isn't there.
     void remove_assignment(const EXPRESSION* expr);
+    /// Drops the assignments whose symbols have left the link.
+    void drop_undefined();
     /// One assignment belongs to another object from now on.
     void move_assignment(const EXPRESSION* expr, LINKER_OBJECT* to);
     /// All assignments of an object belong to another one from now on.

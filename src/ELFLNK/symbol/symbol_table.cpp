@@ -186,6 +186,10 @@ void SYMBOL_TABLE::update_linker_symbol(OF_SYMBOL* sym, LINKER_OBJECT* object) {
 }
 void SYMBOL_TABLE::remove_linker_symbol(const OF_SYMBOL* sym) {
     linker_symbols_.erase(sym);
+    const uint32_t id = find_id(sym->name());
+    if (id == NAME_TABLE::NO_NAME || records_[id].def != sym) return;
+    records_[id].def = nullptr;
+    --def_count_;
 }
 
 void SYMBOL_TABLE::clear_defs() {

@@ -125,3 +125,28 @@ l.cmd base.cmd weak.o a.o -o out.elf
 "l.cmd", line 1: warning: symbol "chosen" from file "weak.o" being redefined
 --- sym
 chosen 9 ABS
+--- case weak symbols that nothing refers to leave the program, but for those of expressions
+--- l.cmd
+WEAK(chosen) = 7;
+WEAK(unused) = 8;
+WEAK(of_place) = END(RAM);
+next = of_place + 1;
+--- weak_property.cmd
+SECTIONS { .empty : { } > RAM, START(WEAK(empty_start)), RUN_END(WEAK(unused_end)) }
+--- args
+a.o base.cmd l.cmd weak_property.cmd -o out.elf --map_file=out.map
+--- sym
+chosen 7
+unused -
+of_place 0x20000100
+next 0x20000101
+unused_end -
+--- case the same where nothing is linked at all
+--- l.cmd
+SECTIONS { .a : { } START(WEAK(m)) }
+--- args
+a.o l.cmd -o out.elf
+--- exit
+1
+--- stderr has
+error: no input section is linked in
