@@ -88,6 +88,13 @@ EXIDX_SECTION* new_default_piece(const char* name, OF_SYMBOL* symbol) {
     return piece;
 }
 
+EXIDX_SECTION* create_default_exidx_section(SECTION* code) {
+    static int count = 0;
+    const char* symbol_name = savestrf("__QV_exidx_linkto_scn_start_%d", count++);
+    return new_default_piece(savestrf("%s%s", TABLE_NAME, code->original_section_name()),
+                             create_local_symbol(symbol_name, EXPR_OP_RUN_START, code));
+}
+
 // ---- the builder -------------------------------------------------------------------------------
 
 namespace {
@@ -101,7 +108,6 @@ class EXIDX_TABLE_BUILDER {
     EXIDX_TABLE* build_exidx_table_for_collection(const COLLECTION* collection, const char* name);
     void build_tables_of_partial_link();
     void build_table_of_final_link();
-    static EXIDX_SECTION* create_default_exidx_section(SECTION* code);
     void drop_unused_pieces();
 
     std::unordered_map<const OF_SECTION*, EXIDX_SECTION*> pieces_; // by the code's section
@@ -129,13 +135,6 @@ void EXIDX_TABLE_BUILDER::build_section_exidx_map() {
     }
 }
 
-EXIDX_SECTION* EXIDX_TABLE_BUILDER::create_default_exidx_section(SECTION* code) {
-    static int count = 0;
-    const char* symbol_name = savestrf("__QV_exidx_linkto_scn_start_%d", count++);
-    return new_default_piece(savestrf("%s%s", TABLE_NAME, code->original_section_name()),
-                             create_local_symbol(symbol_name, EXPR_OP_RUN_START, code));
-}
-
 EXIDX_TABLE* EXIDX_TABLE_BUILDER::build_exidx_table_for_collection(const COLLECTION* collection,
                                                                    const char* name) {
     std::vector<LINKER_OBJECT*> sections;
@@ -145,12 +144,10 @@ EXIDX_TABLE* EXIDX_TABLE_BUILDER::build_exidx_table_for_collection(const COLLECT
         if (!object->has_attr(PA_EXEC) || object->is_exidx()) continue;
         auto* code = static_cast<SECTION*>(object);
         const auto at = pieces_.find(code->OF_SECTION_api());
-        EXIDX_SECTION* piece =
-            at != pieces_.end() ? at->second : create_default_exidx_section(code);
-        piece->set_code(code);
         if (table == nullptr) table = new EXIDX_TABLE(name);
-        table->add_piece(piece);
+        table->add_code(code, at != pieces_.end() ? at->second : nullptr);
     }
+    if (table != nullptr) table->complete();
     return table;
 }
 

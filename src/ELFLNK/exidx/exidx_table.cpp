@@ -26,7 +26,7 @@ namespace EXIDX {
 namespace {
 
 constexpr unsigned WORD = 4;
-constexpr unsigned ENTRY = 2 * WORD;
+constexpr unsigned ENTRY_SIZE = 2 * WORD;
 constexpr uint32_t CANTUNWIND = 1;
 constexpr uint32_t IN_LINE = 0x80000000;
 
@@ -41,29 +41,35 @@ uint32_t word_at(OF_SECTION* section, unsigned offset) {
     return static_cast<uint32_t>(DATA_MAP::load(bytes.data + offset, WORD, endian));
 }
 
-/// The place of a piece: behind the address of its code; what describes no byte gives way to what
-/// follows at the same address.
-struct KEY {
-    uint64_t address;
-    bool has_code;
-    bool terminates;
-    LINKER_OBJECT* piece;
-
-    bool operator<(const KEY& b) const {
-        if (terminates != b.terminates) return b.terminates;
-        return address != b.address ? address < b.address : has_code < b.has_code;
-    }
-};
-
 } // namespace
 
 EXIDX_TABLE::EXIDX_TABLE(const char* name) : COLLECTION(name, COLLECTION_OUTSECT) {
     set_attr(PA_P2_PLACEMENT);
 }
 
+void EXIDX_TABLE::add_code(SECTION* code, EXIDX_SECTION* piece) {
+    entries_.push_back({code, piece});
+    if (piece == nullptr) return;
+    piece->set_code(code);
+    add_piece(piece);
+}
+
+void EXIDX_TABLE::complete() {
+    if (members().empty()) add_piece(piece_of(entries_.front()));
+}
+
 void EXIDX_TABLE::add_piece(EXIDX_SECTION* piece) {
     piece->set_attr(PA_P2_PLACEMENT);
     add_member(piece, true);
+}
+
+EXIDX_SECTION* EXIDX_TABLE::piece_of(ENTRY& entry) {
+    if (entry.piece == nullptr) {
+        entry.piece = create_default_exidx_section(entry.code);
+        entry.piece->set_code(entry.code);
+        entry.piece->set_attr(PA_P2_PLACEMENT);
+    }
+    return entry.piece;
 }
 
 void EXIDX_TABLE::define_exidx_symbols() {
@@ -90,10 +96,11 @@ void EXIDX_TABLE::update_before_placement(PLACEMENT_PHASE phase) {
         if (layout_locator() != nullptr) return;
         DIAG_REPORT(elnk_exidx_locked);
     }
-    for (LINKER_OBJECT* piece : taken_out_) add_member(piece, true);
-    taken_out_.clear();
-    sort_by_code();
-    optimize();
+    sort_entries();
+    std::vector<LINKER_OBJECT*> chosen;
+    choose_members(chosen);
+    clear_members();
+    for (LINKER_OBJECT* piece : chosen) add_member(piece, true);
     // Either of them may be placed first, and the other one copies its layout.
     for (LOCATOR* locator : {run_locator(), load_locator()}) {
         if (locator == nullptr) continue;
@@ -103,46 +110,61 @@ void EXIDX_TABLE::update_before_placement(PLACEMENT_PHASE phase) {
     sorted_ = true;
 }
 
-void EXIDX_TABLE::sort_by_code() {
+// By the address of the code, stable. Code of no length gives way to what begins at its address.
+void EXIDX_TABLE::sort_entries() {
+    struct KEY {
+        uint64_t address;
+        bool has_code;
+        ENTRY entry;
+        bool operator<(const KEY& b) const {
+            return address != b.address ? address < b.address : has_code < b.has_code;
+        }
+    };
     std::vector<KEY> keys;
-    keys.reserve(members().size());
-    for (LINKER_OBJECT* member : members()) {
-        SECTION* code = as_piece(member)->code();
-        keys.push_back({code != nullptr ? code->run_address() : 0,
-                        code != nullptr && code->size() != 0, member == terminator_, member});
-    }
-    std::stable_sort(keys.begin(), keys.end());
-    std::vector<LINKER_OBJECT*> order;
-    order.reserve(keys.size());
-    for (const KEY& key : keys) {
-        order.push_back(key.piece);
-        SECTION* code = as_piece(key.piece)->code();
-        if (code != nullptr && root_collection->object_is_in_link(code)) last_code_ = code;
-    }
-    set_member_order(order);
-}
-
-void EXIDX_TABLE::optimize() {
-    if (disable_exidx_opt != 0) return;
-    EXIDX_SECTION* prev = nullptr;
-    for (auto at = members_begin(); at != members_end();) {
-        EXIDX_SECTION* piece = as_piece(*at++);
-        if (piece->code() != nullptr && !root_collection->object_is_in_link(piece->code())) {
+    keys.reserve(entries_.size());
+    for (const ENTRY& entry : entries_) {
+        if (root_collection->object_is_in_link(entry.code)) {
+            keys.push_back({entry.code->run_address(), entry.code->size() != 0, entry});
+        } else if (entry.piece != nullptr) {
             trace_collect.printf("EXIDX section %s is removed as link to section is not in link",
-                                 piece->original_section_name());
-            remove_member(piece);
-            root_collection->remove_section(piece);
-        } else if (prev != nullptr &&
-                   can_exidx_be_eliminated(prev->OF_SECTION_api(), piece->OF_SECTION_api())) {
-            trace_collect.printf("EXIDX section %s is optimized out",
-                                 piece->original_section_name());
-            taken_out_.push_back(piece);
-            remove_member(piece);
-        } else {
-            prev = piece;
+                                 entry.piece->original_section_name());
+            root_collection->remove_section(entry.piece);
         }
     }
-    flush_size();
+    std::stable_sort(keys.begin(), keys.end());
+    entries_.clear();
+    for (const KEY& key : keys) entries_.push_back(key.entry);
+    last_code_ = entries_.empty() ? nullptr : entries_.back().code;
+}
+
+// An entry that says what the one before it says is left out. What code without a piece would say
+// is known before there is a piece.
+void EXIDX_TABLE::choose_members(std::vector<LINKER_OBJECT*>& chosen) {
+    taken_out_.clear();
+    OF_SECTION* prev = nullptr;
+    const auto is_eliminated = [&prev](EXIDX_SECTION* piece) {
+        if (prev == nullptr || disable_exidx_opt != 0) return false;
+        return piece != nullptr ? can_exidx_be_eliminated(prev, piece->OF_SECTION_api())
+                                : word_at(prev, prev->size() - WORD) == CANTUNWIND;
+    };
+    const auto choose = [&](EXIDX_SECTION* piece) {
+        chosen.push_back(piece);
+        prev = piece->OF_SECTION_api();
+    };
+    for (ENTRY& entry : entries_) {
+        if (!is_eliminated(entry.piece)) {
+            choose(piece_of(entry));
+        } else if (entry.piece != nullptr) {
+            trace_collect.printf("EXIDX section %s is optimized out",
+                                 entry.piece->original_section_name());
+            taken_out_.push_back(entry.piece);
+        }
+    }
+    if (terminator_ == nullptr) return;
+    if (is_eliminated(terminator_))
+        taken_out_.push_back(terminator_);
+    else
+        choose(terminator_);
 }
 
 bool EXIDX_TABLE::is_same_extab(uint32_t a, uint32_t b) {
@@ -150,7 +172,7 @@ bool EXIDX_TABLE::is_same_extab(uint32_t a, uint32_t b) {
 }
 
 bool EXIDX_TABLE::can_exidx_be_eliminated(OF_SECTION* prev, OF_SECTION* cur) {
-    if (cur->size() != ENTRY || prev->size() < ENTRY) return false;
+    if (cur->size() != ENTRY_SIZE || prev->size() < ENTRY_SIZE) return false;
     return is_same_extab(word_at(prev, prev->size() - WORD), word_at(cur, WORD));
 }
 

@@ -2,7 +2,8 @@
 //
 // Its size hangs on the addresses of the code: neighbours that say the same are joined. So it is
 // placed after the code, sorts and shortens itself when a range is about to be tried, and is locked
-// once it has its place.
+// once it has its place. Code without a piece of its own gets one only then, and only where its
+// entry is not joined with the one before: most code of a large program has none.
 #pragma once
 
 #include <cstdint>
@@ -29,7 +30,10 @@ class EXIDX_TABLE : public COLLECTION {
     /// Nothing: the members are known.
     SECTION_SPEC* set_default_spec() override { return nullptr; }
 
-    void add_piece(EXIDX_SECTION* piece);
+    /// Code of the link with its piece, or with null for code without one.
+    void add_code(SECTION* code, EXIDX_SECTION* piece);
+    /// All code has been added: a table of code without pieces gets its first piece.
+    void complete();
     /// Start and end of the table, under the names that run-time libraries look for.
     void define_exidx_symbols();
     /// The entry behind the last function.
@@ -42,14 +46,22 @@ class EXIDX_TABLE : public COLLECTION {
     bool is_sorted() const { return sorted_; }
 
   private:
-    void sort_by_code();
-    void optimize();
+    struct ENTRY {
+        SECTION* code;
+        EXIDX_SECTION* piece; // null for code without one, as long as its entry isn't needed
+    };
+
+    void sort_entries();
+    void choose_members(std::vector<LINKER_OBJECT*>& chosen);
+    void add_piece(EXIDX_SECTION* piece);
+    EXIDX_SECTION* piece_of(ENTRY& entry);
     void update_table_terminator();
     void patch_aliased_symbol_references();
 
+    std::vector<ENTRY> entries_; // all code
     EXIDX_SECTION* terminator_ = nullptr;
     SECTION* last_code_ = nullptr;          // the code at the highest address
-    std::vector<LINKER_OBJECT*> taken_out_; // joined with the piece before them
+    std::vector<LINKER_OBJECT*> taken_out_; // pieces that are joined with the one before them
     bool sorted_ = false;
     bool locked_ = false;
 };
@@ -57,6 +69,8 @@ class EXIDX_TABLE : public COLLECTION {
 /// A piece of one entry, "cannot be unwound", in the internal file and in the link; with a symbol,
 /// the entry is for the symbol's address.
 EXIDX_SECTION* new_default_piece(const char* name, OFE::OF_SYMBOL* symbol);
+/// The same for code, with a symbol of its own for the code's address.
+EXIDX_SECTION* create_default_exidx_section(SECTION* code);
 /// Assigns `name` an address operator (an EXPR_OPCODE) of the object, and makes a symbol of the
 /// internal file that refers to it.
 OFE::OF_SYMBOL* create_local_symbol(const char* name, int opcode, LINKER_OBJECT* object);
