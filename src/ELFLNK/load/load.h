@@ -24,8 +24,8 @@ void scan_static_linking_file(OBJ_FILE* file);
 /// Reports, once, an object of a compiler that is too old for the run-time library.
 void check_dinkum_compatibility(OBJ_FILE* file);
 
-/// A new linker object for an input section, in the root collection's maps.
-SECTION* new_section(OFE::OF_SECTION* section);
+/// A new linker object for an input section of that file, in the root collection's maps.
+SECTION* new_section(OFE::OF_SECTION* section, OBJ_FILE* file);
 bool is_comdat_member(OFE::OF_SECTION* section, OFE::OF_GROUP_TABLE* group);
 /// The output file exists, so format and mangling are known.
 bool default_abi_is_known();

@@ -1,7 +1,6 @@
 // Small services of the load phase that other phases ask for.
 #include "ELFLNK/exidx/exidx.h"
 #include "ELFLNK/exidx/exidx_section.h"
-#include "ELFLNK/file/file_manager.h"
 #include "ELFLNK/load/load.h"
 #include "ELFLNK/object/root_collection.h"
 #include "ELFLNK/object/section.h"
@@ -9,8 +8,7 @@
 #include "OBJEDIT04/ofe/of_section.h"
 #include "OBJEDIT04/ofe/of_section_table.h"
 
-SECTION* new_section(OFE::OF_SECTION* section) {
-    OBJ_FILE* file = file_manager.lookup_OF_FILE(section->ofile());
+SECTION* new_section(OFE::OF_SECTION* section, OBJ_FILE* file) {
     SECTION* object =
         EXIDX::is_exidx(section) ? new EXIDX_SECTION(file, section) : new SECTION(file, section);
     root_collection->add_section(object);

@@ -306,7 +306,7 @@ void REGISTRAR::register_any_section(const REFERRER& first_from, FILE_STATE& fir
         OFE::OF_SECTION* section = file.sections->section(next.section_id);
         if (!section) continue;
         bits |= REGISTERED;
-        SECTION* object = new_section(section);
+        SECTION* object = new_section(section, file.file);
         record(from, object);
         work_.push_back(next);
 
