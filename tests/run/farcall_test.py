@@ -26,6 +26,7 @@ from arm_branch import ARM, THUMB, Memory, Stub, branch  # noqa: E402
 from elf import Elf  # noqa: E402
 
 MB = 1 << 20
+LARGE = -1  # the number of the problem that is larger than all others
 # What a processor runs, and how far its branches reach: name, -mcpu, states, Thumb branches of 32 bits, reach of BL.
 CPUS = [
     ("m3", "cortex-m3", [THUMB], ["bl", "b.w", "beq.w"], 16 * MB, True),
@@ -109,6 +110,25 @@ class Problem:
         return text + "}\n"
 
 
+class LargeProblem(Problem):
+    """One output section of more than any call reaches: stubs are reserved for all that is not placed yet, stand in the
+    way, and most of them vanish again."""
+
+    def __init__(self, rng):
+        count = 1500
+        self.rng = rng
+        self.cpu, self.mcpu, _, self.thumb_branches, self.thumb_reach, self.wide = CPUS[0]
+        self.states = [THUMB] * count
+        self.calls = [[(rng.choice(["bl", "b.w"]), rng.randrange(count)) for _ in range(3)] for _ in range(count)]
+        self.short, self.options = 0, []
+        self.sizes = [rng.randrange(8000, 28000) & ~1 for _ in range(count)]
+        self.groups = [0] * count
+
+    def command_file(self):
+        return ("--entry_point=_start --retain=*(.g0.*)\nMEMORY { R (RWX) : origin = 0, length = 0x4000000 }\n"
+                "SECTIONS { .o0 : { *(.g0.*) } > R }\n")
+
+
 def base_name(section):
     """The output section of the command file that a piece of a split one comes from."""
     return re.match(r"\.[a-z]+\d+", section).group()
@@ -117,7 +137,8 @@ def base_name(section):
 class Checker:
     def __init__(self, problem, elf):
         self.problem, self.memory = problem, Memory(elf)
-        self.functions = [next(s for s in elf.symbols if s.name == f"f{i}") for i in range(len(problem.states))]
+        by_name = {s.name: s for s in elf.symbols}
+        self.functions = [by_name[f"f{i}"] for i in range(len(problem.states))]
         self.stubs = {}
         for s in elf.symbols:
             if s.name.startswith(("$Tramp$", "$Ven$")):
@@ -173,7 +194,7 @@ class Checker:
                     fault = f"call {number} of f{caller}: {e}"
                 found += [fault] if fault else []
         for stub in self.stubs.values():
-            callee = next(f for f in self.functions if stub.name.endswith(f"$${f.name}"))
+            callee = self.functions[int(stub.name.split("$$f")[1])]
             if not self.used[stub.value] and callee.section == stub.section:
                 found.append(f"{stub.name} at {stub.value:#x} has no callers")
         return found
@@ -184,7 +205,8 @@ def run_problem(number, opts, totals):
     work = opts.work / str(number)
     shutil.rmtree(work, ignore_errors=True)
     work.mkdir(parents=True)
-    problem = Problem(random.Random(f"{opts.seed}/{number}"))
+    kind = LargeProblem if number == LARGE else Problem
+    problem = kind(random.Random(f"{opts.seed}/{number}"))
     (work / "a.s").write_text(problem.assembly())
     (work / "link.cmd").write_text(problem.command_file())
     subprocess.run(["arm-none-eabi-as", "a.s", "-o", "a.o"], cwd=work, check=True)
@@ -218,7 +240,7 @@ def main():
     parser.add_argument("--only", type=int)
     opts = parser.parse_args()
     opts.qvlink = opts.qvlink.resolve()
-    numbers = [opts.only] if opts.only is not None else range(opts.first, opts.first + opts.count)
+    numbers = [opts.only] if opts.only is not None else [LARGE, *range(opts.first, opts.first + opts.count)]
     totals, bad = Counter(), 0
     for number in numbers:
         faults = run_problem(number, opts, totals)

@@ -192,10 +192,10 @@ void generate_map_file() {
         const char* attribute;
         void (*part)();
     } parts[] = {
-        {"entry", map_entry_point},    {"memory", map_memory},
-        {"segments", map_segments},    {"sections", map_section_allocation},
-        {"modules", map_modules},      {"copytables", map_copy_tables},
-        {"crctables", map_crc_tables}, {"veneers", map_veneers},
+        {"entry", map_entry_point},     {"memory", map_memory},
+        {"segments", map_segments},     {"sections", map_section_allocation},
+        {"modules", map_modules},       {"copytables", map_copy_tables},
+        {"crctables", map_crc_tables},  {"veneers", map_veneers},
         {"trampolines", map_far_calls},
     };
     const char* name = global_opts->getstrarg(OPT_map_file);
