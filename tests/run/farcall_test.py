@@ -91,16 +91,16 @@ class Problem:
         for group in sorted(set(self.groups)):
             where = rng.choice(ranges)[0]
             load = rng.choice(ranges)[0]
-            kind = rng.choice(["plain", "plain", "plain", "high", "split", "load", "ordered", "group", "address"])
+            kind = rng.choice(["plain", "plain", "plain", "high", "split", "load", "ordered", "group", "union", "address"])
             spec = f"*(.g{group}.*)"
             if kind == "ordered":
                 first = rng.choice([i for i, g in enumerate(self.groups) if g == group])
                 spec = f"*(.g{group}.f{first}) . += 0x{rng.choice([4, 0x500, 0x2000]):x}; {spec}"
             if kind == "address" and group == 0:
                 text += f"  .o{group} : {{ {spec} }} > {ranges[0][1] + rng.choice([0, 0x1000, 30 * MB]):#x}\n"
-            elif kind == "group":
+            elif kind in ("group", "union"):
                 inner = f".o{group} : {{ {spec} }} .x{group} : {{ *(.none) . += 16; }}"
-                text += f"  GROUP : {{ {inner} }} > {where}\n"
+                text += f"  {kind.upper()} : {{ {inner} }} > {where}\n"
             elif kind == "load":
                 text += f"  .o{group} : {{ {spec} }} LOAD > {load}, RUN > {where}\n"
             elif kind == "split":
