@@ -17,15 +17,18 @@ import random
 import re
 import shlex
 import shutil
-import struct
 import subprocess
 import sys
+import threading
 from pathlib import Path
 
 HERE = Path(__file__).resolve().parent
 sys.path[:0] = [str(HERE.parents[1] / "examples"), str(HERE.parent / "support")]
+import elf_write  # noqa: E402
 import linktest  # noqa: E402
 import run as examples  # noqa: E402
+from mutators import (ATTRIBUTES, ElfBytes, mutate_archive, mutate_attributes, mutate_command,  # noqa: E402
+                      mutate_elf)
 
 TOOL = "arm-none-eabi-"
 TIME_LIMIT = 10
@@ -53,7 +56,10 @@ Box<int> NAME_box;
 ASM_SOURCE = """
     .syntax unified
     .thumb
+    .eabi_attribute 25, 1
     .global _start, common_data, __aeabi_unwind_cpp_pr0, __aeabi_idiv, _ZdlPvj
+    .global __aeabi_unwind_cpp_pr1, __gxx_personality_v0, _GLOBAL_OFFSET_TABLE_
+    .set _GLOBAL_OFFSET_TABLE_, 0x20001000
     .section .text.start, "ax"
     .thumb_func
 _start: bl work
@@ -65,6 +71,10 @@ _start: bl work
 _ZdlPvj:
     .thumb_func
 __aeabi_unwind_cpp_pr0:
+    .thumb_func
+__aeabi_unwind_cpp_pr1:
+    .thumb_func
+__gxx_personality_v0:
     .thumb_func
 __aeabi_idiv: bx lr
     .section .text.one, "axG", %progbits, one, comdat
@@ -82,6 +92,68 @@ common_data: .word _start, common_data + 8, -1
     .section .linked, "ao", %progbits, .text.two
     .word twice
     .comm more, 24, 8
+"""
+TLS_SOURCE = """
+    .section .tdata, "awT", %progbits
+    .global tv
+    .type tv, %object
+tv: .word 5
+    .section .tbss, "awT", %nobits
+tw: .space 8
+    .section .text.tls, "ax"
+    .word tv(tpoff), tw(tpoff), tv(gottpoff), tv(tlsgd)
+"""
+GROUP_SOURCE = """
+    .section .text.g{0}, "axG", %progbits, g{0}, comdat
+    .weak g{0}
+g{0}: .word .Ld{0}
+    .section .data.g{0}, "awG", %progbits, g{0}, comdat
+.Ld{0}: .word g{0}
+"""
+FLAGS_SOURCE = """
+    .section .QV.section.flags, "", %progbits
+    .byte 1, 0, 0, 0
+    .space 16
+    .long 12
+    .short 1
+    .byte 0, 2, 4, 8, 16, 2, 0, 0, 2, 1, 31, 2
+    .section .QV.symbol.alias, "", %progbits
+    .byte 1, 0, 0, 0
+    .short 3
+    .asciz "QV"
+    .long 1, 2, 12, 13, 14, 15
+    .section .icode, "", %progbits
+    .ascii "!<icode>"
+"""
+FLOAT_SOURCE = """
+extern float scale(float a, double b);
+__thread int per_thread = 3;
+float sums[4] = {1.5f, 2.5f}; double last; _Complex float c;
+float work(float x) { last += x; per_thread++; return scale(sums[1] * x, last) + sums[per_thread & 3]; }
+float scale(float a, double b) { c *= a; return a * (float)b; }
+"""
+# Lists of attributes by vendor: scope, ids with their end, tags with their values.
+ATTRIBUTE_LISTS = {
+    b"aeabi": [(1, [], b"\x05cortex-a9\0\x06\x0a\x07A\x08\x01\x09\x02\x0a\x03\x12\x04\x18\x01\x19\x01\x1a\x02"
+                       b"\x20\x01QV\0\x41\x06\x0a\x43" b"2.09\0\x80\x02\x07"),
+               (2, [1, 2, 0], b"\x06\x04\x08\x01"), (3, [1, 3, 5, 0], b"\x09\x01")],
+    b"QV": [(1, [], b"\x04\x01\x05QV\0\x08\x05\x0a\x06\x0c\x04\x80\x02\x03\xc0\x02\x01")],
+    b"gnu": [(1, [], b"\x04\x01\x05text\0")],
+}
+SMALL_SOURCE = """
+    .syntax unified
+    .thumb
+    .eabi_attribute 25, 1
+    .global _start, common_data, __aeabi_idiv, __gnu_thumb1_case_uqi
+    .section .text.start, "ax"
+    .thumb_func
+_start: bl work
+    .thumb_func
+__gnu_thumb1_case_uqi:
+    .thumb_func
+__aeabi_idiv: bx lr
+    .data
+common_data: .word _start
 """
 COMMAND = """
 --entry_point=_start
@@ -112,10 +184,10 @@ _stop = _etext + SIZE(FLASH) / 2;
 # --- the links that are damaged
 
 class Seed:
-    """A link: its files, its arguments, and which files may be damaged and how."""
+    """A link: its files, its arguments, which files may be damaged and how, and whether it works while they are not."""
 
-    def __init__(self, name, files, args, targets):
-        self.name, self.files, self.args, self.targets = name, files, args, targets
+    def __init__(self, name, files, args, targets, links=True):
+        self.name, self.files, self.args, self.targets, self.links = name, files, args, targets, links
 
 
 def compile_to(work, name, text, *options):
@@ -128,21 +200,45 @@ def compile_to(work, name, text, *options):
     return out.read_bytes()
 
 
-def make_archive(work, name, members):
+def compile_by_clang(work, name, text):
+    (work / name).write_text(text)
+    examples.run(["clang", "--target=arm-none-eabi", "-mcpu=cortex-a9", "-mthumb", "-c", "-O1", "-g", "-ffunction-sections",
+                  work / name, "-o", work / (name + ".o")])
+    return (work / (name + ".o")).read_bytes()
+
+
+def make_archive(work, name, members, *archiver):
     for member, data in members.items():
         (work / member).write_bytes(data)
     (work / name).unlink(missing_ok=True)
-    examples.run([TOOL + "ar", "rcD", name, *members], cwd=work)
+    examples.run([*(archiver or (TOOL + "ar", "rcD")), name, *members], cwd=work)
     return (work / name).read_bytes()
 
 
-def object_seeds(work):
-    """Objects of C, C++ and the assembler, in both byte orders, linked for good and partially; the same as archives."""
+def with_attributes(data, order, vendors):
+    """An object whose attributes say something else: {vendor: [(scope, ids, bytes)]}."""
+    def sized(head, body):
+        return head + (len(head) + 4 + len(body)).to_bytes(4, order) + body
+
+    section = b"A"
+    for vendor, lists in vendors.items():
+        body = vendor + b"\0" + b"".join(sized(bytes([scope]), bytes(ids) + tags) for scope, ids, tags in lists)
+        section += sized(b"", body)
+    elf = ElfBytes(data)
+    i = elf.of_type(ATTRIBUTES)[0]
+    elf.put(elf.shoff + 40 * i + 16, 4, len(elf.data))
+    elf.put(elf.shoff + 40 * i + 20, 4, len(section))
+    return bytes(elf.data) + section
+
+
+def object_seeds(work, qvlink):
+    """Objects of C, C++ and the assembler, in both byte orders, linked for good and partially."""
     main = compile_to(work, "main.s", ASM_SOURCE)
     c = compile_to(work, "code.c", C_SOURCE, "-mthumb", "-gdwarf-4", "-fcommon")
-    cpp = ["-mthumb", "-fno-rtti", "-fno-exceptions", "-fno-threadsafe-statics", "-fno-use-cxa-atexit", "-funwind-tables"]
-    one = compile_to(work, "one.cpp", CPP_SOURCE.replace("NAME", "one"), *cpp)
-    two = compile_to(work, "two.cpp", CPP_SOURCE.replace("NAME", "two"), *cpp, "-gdwarf-4")
+    cpp = ["-fno-rtti", "-fno-threadsafe-statics", "-fno-use-cxa-atexit", "-funwind-tables"]
+    plain = ["-mthumb", "-fno-exceptions", *cpp]
+    one = compile_to(work, "one.cpp", CPP_SOURCE.replace("NAME", "one"), *plain)
+    two = compile_to(work, "two.cpp", CPP_SOURCE.replace("NAME", "two"), *plain, "-gdwarf-4")
     big_main = compile_to(work, "bigmain.s", ASM_SOURCE, "-mbig-endian")
     big = compile_to(work, "big.c", C_SOURCE, "-mbig-endian", "-marm", "-fcommon")
     library = make_archive(work, "lib.a", {"code.o": c, "a_member_with_a_long_name.o": one, "two.o": two})
@@ -151,9 +247,9 @@ def object_seeds(work):
     mapped = [*args, "--map_file=out.map"]
     all_of = ["--unused_section_elimination=off"]
 
-    def seed(name, mutated, arguments, main_object=main, **others):
+    def seed(name, mutated, arguments, main_object=main, links=True, **others):
         files = {"mutated.o": mutated, "main.o": main_object, "link.cmd": command, **others}
-        return Seed(name, files, arguments, [("mutated.o", mutate_elf)])
+        return Seed(name, files, arguments, [("mutated.o", mutate_elf)], links)
 
     seeds = [
         seed("c", c, mapped),
@@ -167,25 +263,85 @@ def object_seeds(work):
         seed("big-endian assembler", big_main, mapped + all_of, big),
         seed("default layout", c, ["mutated.o", "main.o", f"--output_file={OUTPUT}", "--map_file=out.map"]),
     ]
-    files = {"main.o": main, "lib.a": library, "link.cmd": command.replace(b"mutated.o(", b"lib.a<code.o>(")}
+    # What only some objects have: RELA records and every type of relocation, thread-local data, unwind tables, offsets
+    # from a global table, older and newer processors, groups in plenty, debug information of the latest kind.
+    every_type = elf_write.ElfObject()
+    code = every_type.section(".text.start", elf_write.ALLOC | elf_write.EXEC, bytes(8 * 256))
+    every_type.symbol("_start", code, 1, elf_write.FUNC)
+    every_type.symbol("work", elf_write.UND, 0)
+    every_type.attributes = b""
+    for number in range(256):
+        every_type.reloc(code, 8 * number, number, "work", 4 if number % 2 else None)
+    tls = compile_to(work, "tls.s", ASM_SOURCE + TLS_SOURCE)
+    unwind = compile_to(work, "unwind.cpp", CPP_SOURCE.replace("NAME", "unwind"), "-marm", "-fexceptions", *cpp)
+    pic = compile_to(work, "pic.c", C_SOURCE, "-mthumb", "-fPIC", "-gdwarf-5")
+    cortex_m0 = "-mthumb", "-mcpu=cortex-m0"
+    small = compile_to(work, "small.c", C_SOURCE, *cortex_m0, "-fcommon")
+    small_main = compile_to(work, "smallmain.s", SMALL_SOURCE, *cortex_m0)
+    hard_main = compile_to(work, "hardmain.s", ASM_SOURCE + ".eabi_attribute 28, 1\n")
+    hard = compile_to(work, "hard.c", FLOAT_SOURCE, "-mthumb", "-mcpu=cortex-a9", "-mfpu=neon", "-mfloat-abi=hard", "-g3")
+    old = compile_to(work, "old.c", C_SOURCE, "-marm", "-mcpu=arm7tdmi", "-fcommon")
+    llvm = compile_by_clang(work, "clang.c", C_SOURCE)
+    grouped = compile_to(work, "grouped.s", ".eabi_attribute 25, 1\n" + "".join(map(GROUP_SOURCE.format, range(40))))
+    flagged = compile_to(work, "flagged.s", ASM_SOURCE + FLAGS_SOURCE)
+    (work / "partial.o").unlink(missing_ok=True)
+    (work / "c_for_partial.o").write_bytes(c)
+    examples.run([qvlink, "-r", "c_for_partial.o", "-o=partial.o"], cwd=work)
+    partial = (work / "partial.o").read_bytes()
+    seeds += [
+        seed("every type of relocation", every_type.bytes(), args + all_of, c, links=False),
+        seed("thread-local data", tls, args + all_of, c),
+        seed("thread-local data, partial link", tls, ["-r", "mutated.o", f"-o={OUTPUT}"]),
+        seed("unwind tables", unwind, args + ["two.o", "code.o"] + all_of, **{"two.o": two, "code.o": c}),
+        seed("position-independent", pic, mapped),
+        seed("the smallest processor", small, args, small_main),
+        seed("hard floating point", hard, args + all_of, hard_main),
+        seed("an old processor", old, args + all_of),
+        seed("another compiler", llvm, mapped + all_of),
+        seed("many groups", grouped, args + ["two.o", "code.o"] + all_of, **{"two.o": grouped, "code.o": c}),
+        seed("flags and aliases", flagged, args, c),
+        seed("made by a partial link", partial, args),
+    ]
+    # Attributes: what a compiler says, scopes of sections and symbols, several vendors, the other byte order.
+    scoped = with_attributes(main, "little", ATTRIBUTE_LISTS)
+    for name, mutated, arguments, other in [("of a compiler", hard, args, hard_main), ("of all scopes", scoped, args, c),
+                                            ("of all scopes, partial link", scoped, ["-r", "mutated.o", "main.o", f"-o={OUTPUT}"], c),
+                                            ("big-endian", with_attributes(big_main, "big", ATTRIBUTE_LISTS), args + all_of, big)]:
+        files = {"mutated.o": mutated, "main.o": other, "link.cmd": command}
+        seeds.append(Seed(f"attributes {name}", files, arguments, [("mutated.o", mutate_attributes)]))
+
     archive_args = ["main.o", "lib.a", "link.cmd", f"--output_file={OUTPUT}", "--reread_libs"]
-    seeds += [Seed("archive", files, archive_args, [("lib.a", mutate_archive)])] * 3
+    in_library = command.replace(b"mutated.o(", b"lib.a<code.o>(")
+    members = {"code.o": c, "a_member_with_a_long_name.o": one, "two.o": two, "odd.o": c + b"\0"}
+    bsd = make_archive(work, "bsd.a", members, "llvm-ar", "--format=bsd", "rcD")
+    plain = make_archive(work, "plain.a", members, TOOL + "ar", "rcSD")
+    thin = make_archive(work, "thin.a", members, TOOL + "ar", "rcDT")
+    for name, archive, arguments, more in [("of GNU", library, archive_args, {}), ("of BSD", bsd, archive_args, {}),
+                                           ("without index", plain, archive_args, {}), ("thin", thin, archive_args, members),
+                                           ("of GNU, everything kept", library, archive_args + all_of, {})]:
+        files = {"main.o": main, "lib.a": archive, "link.cmd": in_library, **more}
+        links = name.startswith("of GNU")  # the others say why not
+        seeds.append(Seed(f"archive {name}", files, arguments, [("lib.a", mutate_archive)], links))
     files = {"mutated.o": c, "main.o": main, "link.cmd": command}
-    seeds += [Seed("command file", files, mapped, [("link.cmd", mutate_command)])] * 2
+    seeds.append(Seed("command file", files, mapped, [("link.cmd", mutate_command)]))
     return seeds
 
 
 def example_seeds(work):
-    """The command files of the examples with their objects (newlib: with those of hello, in place of the library)."""
-    seeds = []
-    objects = {}
-    for name in ("hello", "cpp", "regions"):
-        paths = examples.compile_program(name, work)
-        objects[name] = {path.name: path.read_bytes() for path in paths}
+    """The command files of the examples with their objects; a program that needs the compiler's libraries is too large,
+    and its command file stands over the objects of hello."""
+    seeds, objects = [], {}
+    for name, program in examples.PROGRAMS.items():
+        if "archives" not in program:
+            own = work / f"example-{name}"
+            own.mkdir()
+            paths = examples.compile_program(name, own)
+            if program.get("runtime"):
+                paths.append(examples.runtime_archive(name, own))
+            objects[name] = {path.name: path.read_bytes() for path in paths}
     for name in examples.PROGRAMS:
         own = objects.get(name, objects["hello"])
-        command = (examples.HERE / name / "link.cmd").read_bytes()
-        files = {**own, "link.cmd": command}
+        files = {**own, "link.cmd": (examples.HERE / name / "link.cmd").read_bytes()}
         args = [*own, "link.cmd", f"--output_file={OUTPUT}"]
         seeds.append(Seed(f"example {name}", files, args, [("link.cmd", mutate_command)]))
     return seeds
@@ -228,277 +384,6 @@ def corpus_seeds(work, folder):
     return seeds
 
 
-# --- objects
-
-EHDR = ("HHIIIIIHHHHHH", 16, "e_type e_machine e_version e_entry e_phoff e_shoff e_flags e_ehsize e_phentsize e_phnum "
-        "e_shentsize e_shnum e_shstrndx")
-SHDR = ("IIIIIIIIII", 0, "sh_name sh_type sh_flags sh_addr sh_offset sh_size sh_link sh_info sh_addralign sh_entsize")
-SYM = ("IIIBBH", 0, "st_name st_value st_size st_info st_other st_shndx")
-REL = ("II", 0, "r_offset r_info")
-RELA = ("III", 0, "r_offset r_info r_addend")
-WIDTH = {"B": 1, "H": 2, "I": 4}
-PROGBITS, SYMTAB, STRTAB, TYPE_RELA, NOBITS, TYPE_REL, GROUP, ATTRIBUTES = 1, 2, 3, 4, 8, 9, 17, 0x70000003
-SECTION_TYPES = [0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 11, 14, 17, 18, 0x6FFFFFF6, 0x6FFFFFFF, 0x70000001, 0x70000002,
-                 0x70000003, 0x7F000001, 0xFFFFFFFF]
-
-
-def fields(layout):
-    """(name, offset, width) of a record's fields."""
-    codes, at, names = layout
-    for code, name in zip(codes, names.split()):
-        yield name, at, WIDTH[code]
-        at += WIDTH[code]
-
-
-class ElfBytes:
-    """The bytes of an object with its undamaged structure beside them."""
-
-    def __init__(self, data):
-        self.data, self.size = bytearray(data), len(data)
-        self.order = "little" if data[5] == 1 else "big"
-        self.shoff, self.shnum = self.get(32, 4), self.get(48, 2)
-        self.heads = [{name: self.get(self.shoff + 40 * i + at, width) for name, at, width in fields(SHDR)}
-                      for i in range(self.shnum)]
-
-    def get(self, at, width):
-        return int.from_bytes(self.data[at:at + width], self.order)
-
-    def put(self, at, width, value):
-        if at + width <= len(self.data):
-            self.data[at:at + width] = (value % (1 << 8 * width)).to_bytes(width, self.order)
-
-    def of_type(self, *types):
-        return [i for i, h in enumerate(self.heads) if h["sh_type"] in types and h["sh_size"]]
-
-
-def bad_number(rng, old, width, *near):
-    """A value for a field: a limit, something close to what it was or to what matters here, or anything."""
-    top = (1 << 8 * width) - 1
-    limits = [0, 1, 2, 3, 4, 7, 8, 0xFF, 0xFFF1, 0xFFF2, 0xFF00, 0xFFFF, 0x10000, 0x7FFFFFFF, 0x80000000, 0xFFFFFFF0,
-              0xFFFFFFFC, top, top - 1, top >> 1, (top >> 1) + 1]
-    choices = [*limits, *(n + d for n in (old, *near) for d in (-4, -1, 0, 1, 4)), old * 2, old // 2, -old,
-               old ^ 1 << rng.randrange(8 * width), rng.getrandbits(8 * width)]
-    return rng.choice(choices) & top
-
-
-def mutate_field(rng, elf, layout, at, what, *near):
-    name, offset, width = rng.choice(list(fields(layout)))
-    old = elf.get(at + offset, width)
-    value = rng.choice(SECTION_TYPES) if name == "sh_type" else bad_number(rng, old, width, *near)
-    if name == "r_info" and rng.random() < 0.5:  # the type alone, or the symbol alone
-        value = old & ~0xFF | rng.randrange(256) if rng.random() < 0.5 else bad_number(rng, old >> 8, 3) << 8 | old & 0xFF
-    if name == "st_info" and rng.random() < 0.5:
-        value = rng.choice([0, 1, 2, 10, 13]) << 4 | rng.choice([0, 1, 2, 3, 4, 5, 6, 10, 13])
-    if name == "sh_addralign" and rng.random() < 0.7:
-        value = 1 << rng.randrange(32)
-    if name == "sh_flags" and rng.random() < 0.7:
-        value = old ^ 1 << rng.choice([0, 1, 2, 4, 5, 6, 7, 8, 9, 10, 11])
-    elf.put(at + offset, width, value)
-    return f"{what}: {name} {old:#x} -> {value:#x}"
-
-
-def mutate_header(rng, elf):
-    if rng.random() < 0.1:
-        at, value = rng.randrange(16), rng.randrange(256)
-        elf.put(at, 1, value)
-        return f"e_ident[{at}] = {value}"
-    return mutate_field(rng, elf, EHDR, 0, "ELF header", elf.size, elf.shnum)
-
-
-def mutate_section_header(rng, elf):
-    i = rng.randrange(elf.shnum)
-    other = rng.choice(elf.heads)
-    near = (elf.size, elf.shnum, i, rng.choice(list(other.values())))
-    return mutate_field(rng, elf, SHDR, elf.shoff + 40 * i, f"section {i}", *near)
-
-
-def mutate_section_pair(rng, elf):
-    a, b = (elf.shoff + 40 * rng.randrange(elf.shnum) for _ in range(2))
-    head = elf.data[a:a + 40]
-    if rng.random() < 0.5:
-        elf.data[a:a + 40] = elf.data[b:b + 40]
-    elf.data[b:b + 40] = head
-    return f"the section headers at {a:#x} and {b:#x} exchanged or repeated"
-
-
-def mutate_entry(rng, elf, types, layouts, what):
-    """A field of an entry in a table of a given type."""
-    tables = elf.of_type(*types)
-    if not tables:
-        return mutate_section_header(rng, elf)
-    i = rng.choice(tables)
-    head, layout = elf.heads[i], layouts[types.index(elf.heads[i]["sh_type"])]
-    size = sum(width for _, _, width in fields(layout))
-    n = rng.randrange(head["sh_size"] // size)
-    near = (elf.shnum, head["sh_size"] // size, rng.choice(elf.heads)["sh_size"])
-    return mutate_field(rng, elf, layout, head["sh_offset"] + n * size, f"{what} {n} of section {i}", *near)
-
-
-def mutate_symbol(rng, elf):
-    return mutate_entry(rng, elf, [SYMTAB], [SYM], "symbol")
-
-
-def mutate_reloc(rng, elf):
-    return mutate_entry(rng, elf, [TYPE_REL, TYPE_RELA], [REL, RELA], "relocation")
-
-
-def mutate_strings(rng, elf):
-    i = rng.choice(elf.of_type(STRTAB))
-    at, size = elf.heads[i]["sh_offset"], elf.heads[i]["sh_size"]
-    start = rng.randrange(size)
-    end = rng.choice([size, min(size, start + 1), min(size, start + rng.randrange(1, 64))])
-    value = rng.choice([0, 0xFF, ord("%"), ord("n"), ord("\n"), rng.randrange(256)])
-    elf.data[at + start:at + end] = bytes([value]) * (end - start)
-    return f"string table {i}: bytes {start:#x} to {end:#x} are {value:#x}"
-
-
-def mutate_group(rng, elf):
-    groups = elf.of_type(GROUP)
-    if not groups:
-        return mutate_reloc(rng, elf)
-    i = rng.choice(groups)
-    word = rng.randrange(elf.heads[i]["sh_size"] // 4)
-    at = elf.heads[i]["sh_offset"] + 4 * word
-    value = rng.choice([i, 0, rng.randrange(elf.shnum), elf.shnum, bad_number(rng, elf.get(at, 4), 4)])
-    elf.put(at, 4, value)
-    return f"group section {i}: word {word} is {value:#x}"
-
-
-def mutate_contents(rng, elf):
-    """Bytes of any section: also of debug information, attributes and index tables."""
-    held = [i for i, h in enumerate(elf.heads) if h["sh_size"] and h["sh_type"] != NOBITS]
-    unloaded = [i for i in held if elf.heads[i]["sh_type"] in (PROGBITS, ATTRIBUTES) and not elf.heads[i]["sh_flags"] & 2]
-    i = rng.choice(unloaded if unloaded and rng.random() < 0.6 else held)
-    at, size = elf.heads[i]["sh_offset"], elf.heads[i]["sh_size"]
-    start, count, value = rng.randrange(size), rng.choice([1, 1, 4, 16]), rng.choice([0, 0x7F, 0x80, 0xFF, rng.randrange(256)])
-    for k in range(start, min(size, start + count)):
-        elf.put(at + k, 1, value)
-    return f"section {i}: {count} bytes at {start:#x} are {value:#x}"
-
-
-def mutate_size(rng, elf):
-    edges = [0, 16, 51, 52, elf.shoff, elf.shoff + 40, elf.shoff + 40 * elf.shnum]
-    edges += [h["sh_offset"] + s for h in elf.heads for s in (0, h["sh_size"])]
-    size = max(0, min(elf.size - 1, rng.choice([*edges, rng.randrange(elf.size)]) + rng.choice([-1, 0, 0, 1])))
-    del elf.data[size:]
-    return f"cut to {size:#x} of {elf.size:#x} bytes"
-
-
-ELF_MUTATIONS = ([mutate_header] * 2 + [mutate_section_header] * 6 + [mutate_section_pair] + [mutate_symbol] * 5 +
-                 [mutate_reloc] * 5 + [mutate_strings] * 2 + [mutate_group] * 2 + [mutate_contents] * 3 + [mutate_size])
-
-
-def mutate_elf(rng, data):
-    elf = ElfBytes(data)
-    said = [rng.choice(ELF_MUTATIONS)(rng, elf) for _ in range(rng.choice([1, 1, 1, 2, 3]))]
-    return bytes(elf.data), "; ".join(said)
-
-
-# --- archives
-
-AR_FIELDS = [("name", 0, 16), ("date", 16, 12), ("owner", 28, 6), ("group", 34, 6), ("mode", 40, 8), ("size", 48, 10),
-             ("end mark", 58, 2)]
-AR_TEXTS = [b"", b"-1", b"99999999999", b"/", b"//", b"/99999", b"/0", b"/1", b"#1/20", b"<filenames>/", b"abc", b"`\n",
-            b"4294967295", b"0", b"1", b"/SYM64/", b"%s%s%s%n"]
-
-
-def archive_members(data):
-    """(header offset, size) of each member."""
-    at, members = 8, []
-    while at + 60 <= len(data):
-        size = int(data[at + 48:at + 58])
-        members.append((at, size))
-        at += 60 + size + (size & 1)
-    return members
-
-
-def mutate_archive(rng, data):
-    members = archive_members(data)
-    damaged = bytearray(data)
-    kind = rng.randrange(7)
-    at, size = rng.choice(members)
-    if kind < 2:
-        name, offset, width = rng.choice(AR_FIELDS)
-        text = rng.choice([*AR_TEXTS, str(size + rng.choice([-1, 1, 2, 60, 1000])).encode(), os.fsencode(chr(rng.randrange(1, 127))) * width])
-        damaged[at + offset:at + offset + width] = text.ljust(width)[:width]
-        said = f"member at {at:#x}: {name} {text[:width]!r}"
-    elif kind == 2:  # the directory stands first: a count, offsets, names
-        at, size = members[0]
-        where = at + 60 + rng.choice([0, 4 * rng.randrange(size // 4), 4 * rng.randrange(min(8, size // 4))])
-        value = bad_number(rng, int.from_bytes(data[where:where + 4], "big"), 4, len(data), *(m[0] for m in members))
-        damaged[where:where + 4] = value.to_bytes(4, "big")
-        said = f"directory: word at {where:#x} is {value:#x}"
-    elif kind == 3:  # the table of long names stands second
-        at, size = members[1]
-        start = rng.randrange(size)
-        count, value = rng.randrange(1, size + 1), rng.choice([0, 0xFF, ord("/"), ord("\n"), ord("x")])
-        end = min(size, start + count)
-        damaged[at + 60 + start:at + 60 + end] = bytes([value]) * (end - start)
-        said = f"long names: bytes {start} to {end} are {value:#x}"
-    elif kind == 4:
-        cut = max(0, rng.choice([rng.randrange(len(data)), 7, 8, at, at + 59, at + 60, at + 60 + size]) + rng.choice([-1, 0, 1]))
-        del damaged[cut:]
-        said = f"cut to {cut:#x} of {len(data):#x} bytes"
-    elif kind == 5:
-        value = rng.randrange(256)
-        where = rng.choice([rng.randrange(8), rng.randrange(len(data))])
-        damaged[where] = value
-        said = f"byte {where:#x} is {value:#x}"
-    else:
-        at, size = rng.choice(members[2:])
-        inner, said = mutate_elf(rng, data[at + 60:at + 60 + size])
-        damaged[at + 60:at + 60 + size] = inner.ljust(size, b"\0")[:size]
-        said = f"member at {at:#x}: {said}"
-    return bytes(damaged), said
-
-
-# --- command files
-
-TOKEN = re.compile(r"/\*.*?\*/|\s+|\"[^\"]*\"|-{1,2}\w+|0[xX]\w+|[\w.$*]+|<<=?|>>=?|[-+*/]=|&&|\|\||[=<>!]=|.", re.S)
-WORDS = ["{", "}", "(", ")", ";", ",", ":", ">", ">>", "|", "=", "+=", ".", "*", "-", "/", "?", "!", "~", "%", "0", "1",
-         "0xFFFFFFFF", "0xFFFFFFFFFFFFFFFF", "0x80000000", "99999999999999999999", "4K", "1M", "-1", "MEMORY", "SECTIONS",
-         "GROUP", "UNION", "ALIGN", "PALIGN", "BLOCK", "LOAD", "RUN", "HIGH", "TYPE", "NOLOAD", "DSECT", "COPY", "NOINIT",
-         "fill", "START", "END", "SIZE", "PAGE", "ORIGIN", "LENGTH", "FLASH", "RAM", ".text", ".data", ".bss", "COMMON",
-         "LOAD_START", "RUN_SIZE", "table", "palign(0)", "align(3)", "align(0x80000000)", "block(0)", ". = 0;", ". -= 8;",
-         ". += 0x7FFFFFFF;", "x = y; y = x;", "x = 1 / 0;", "x = 1 << 99;", "*(*)", "a.a<b.o>(.text)", "\"", "/*", "*/",
-         "#", "#define A A", "@", "\\", "\0", "\x80", "--stack_size=0xFFFFFFFF", "--heap_size=-1", "--fill_value=0x",
-         "-o", "-l", "-i", "--retain=", "--symbol_map=a=b", "--entry_point=", "-", "--", "link.cmd", "main.o", "lib.a",
-         "(" * 3000, "-" * 3000, "{" * 3000, "GROUP : { " * 500, "x" * 9000, "1 + " * 3000]
-
-
-def mutate_command(rng, data):
-    tokens = TOKEN.findall(data.decode("latin-1"))
-    solid = [i for i, token in enumerate(tokens) if token.strip() and not token.startswith("/*")]
-    said = []
-    for _ in range(rng.choice([1, 1, 2, 3])):
-        i, j = rng.choice(solid), rng.choice(solid)
-        kind = rng.randrange(9)
-        if kind == 0:
-            said.append(f"without token {i} {tokens[i]!r}")
-            tokens[i] = " "
-        elif kind == 1:
-            said.append(f"token {i} {tokens[i]!r} twice")
-            tokens[i] = f"{tokens[i]} {tokens[i]}"
-        elif kind == 2:
-            said.append(f"tokens {i} {tokens[i]!r} and {j} {tokens[j]!r} exchanged")
-            tokens[i], tokens[j] = tokens[j], tokens[i]
-        elif kind == 3:
-            said.append(f"token {i} {tokens[i]!r} by {tokens[j]!r}")
-            tokens[i] = tokens[j]
-        elif kind == 4:
-            said.append(f"tokens {min(i, j)} to {max(i, j)} twice")
-            tokens[max(i, j)] += "".join(tokens[min(i, j):max(i, j) + 1])
-        elif kind == 5 and rng.random() < 0.4:
-            said.append(f"cut at token {i}")
-            tokens[i:] = [" "] * (len(tokens) - i)
-        else:
-            word = rng.choice(WORDS)
-            put_in = rng.random() < 0.5
-            said.append(f"{'before' if put_in else 'for'} token {i} {tokens[i]!r}: {word[:40]!r}")
-            tokens[i] = f"{word} {tokens[i]}" if put_in else word
-    return "".join(tokens).encode("latin-1"), "; ".join(said)
-
-
 # --- running them
 
 def make_variant(seeds, opts, number):
@@ -510,20 +395,74 @@ def make_variant(seeds, opts, number):
     return seed, {**seed.files, name: damaged}, f"{name}: {said}"
 
 
-def verdict(done, work, files):
+def verdict(status, text, work):
     """What is wrong with how a link ended, or None."""
-    text = (done.stdout + done.stderr).decode("latin-1")
-    if done.returncode not in (0, 1):
-        return f"status {done.returncode}"
+    if status not in (0, 1):
+        return f"status {status}"
     if re.search(r"Sanitizer|runtime error:|internal (error|warning|fatal error) #|INTERNAL ERROR", text):
         return "an internal error or a report of a sanitizer"
-    if done.returncode == 1 and "error" not in text:
+    if status == 1 and "error" not in text:
         return "status 1 without an error message"
-    if done.returncode == 1 and (work / OUTPUT).exists():
+    if status == 1 and (work / OUTPUT).exists():
         return f"status 1, but there is {OUTPUT}"
     if list(work.glob(OUTPUT + ".*")):
         return "an unfinished output is left"
     return None
+
+
+class Server:
+    """Runs links by a link_server, one at a time."""
+
+    def __init__(self, program):
+        self.process = subprocess.Popen([program], stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True,
+                                        env={**os.environ, **SANITIZER})
+
+    def run(self, work, out, args):
+        """The status of a link; None: it took too long. Negative for a signal, as of subprocess."""
+        self.process.stdin.write("\t".join([str(TIME_LIMIT), str(work), str(out), *args]) + "\n")
+        self.process.stdin.flush()
+        what, *number = self.process.stdout.readline().split()
+        return None if what == "timeout" else int(number[0]) * (1 if what == "exit" else -1)
+
+    def close(self):
+        self.process.stdin.close()
+        self.process.wait()
+
+
+servers, all_servers = threading.local(), []
+
+
+def link(opts, work, args):
+    """(status, text) of a link, with status None if it took too long."""
+    program = opts.qvlink.parent / "tests" / "link_server"
+    if opts.only is None and program.exists():
+        if not hasattr(servers, "own"):
+            servers.own = Server(program)
+            all_servers.append(servers.own)
+        out = work.with_suffix(".out")
+        status = servers.own.run(work, out, args)
+        text = out.read_bytes()
+        out.unlink()
+        return status, text.decode("latin-1")
+    try:
+        done = subprocess.run([str(opts.qvlink), *args], cwd=work, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+                              timeout=TIME_LIMIT, stdin=subprocess.DEVNULL, env={**os.environ, **SANITIZER})
+        return done.returncode, done.stdout.decode("latin-1")
+    except subprocess.TimeoutExpired:
+        return None, ""
+
+
+def check_seed(seed, opts):
+    """Damage to a link that does not work would show little; returns what is wrong, or None."""
+    work = opts.work / "undamaged"
+    shutil.rmtree(work, ignore_errors=True)
+    work.mkdir()
+    for name, data in seed.files.items():
+        (work / name).parent.mkdir(parents=True, exist_ok=True)
+        (work / name).write_bytes(data)
+    status, text = link(opts, work, seed.args)
+    wrong = verdict(status, text, work) or (f"status {status}" if seed.links and status else None)
+    return f"FAILED: {wrong}\n  \"{seed.name}\", undamaged\n{text}" if wrong else None
 
 
 def run_variant(seeds, opts, number):
@@ -536,14 +475,10 @@ def run_variant(seeds, opts, number):
         (work / name).parent.mkdir(parents=True, exist_ok=True)
         (work / name).write_bytes(data)
     command = [str(opts.qvlink), *seed.args]
-    try:
-        done = subprocess.run(command, cwd=work, stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=TIME_LIMIT,
-                              stdin=subprocess.DEVNULL, env={**os.environ, **SANITIZER})
-        wrong, text = verdict(done, work, files), (done.stdout + done.stderr).decode("latin-1")
-    except subprocess.TimeoutExpired:
-        wrong, text = f"no end within {TIME_LIMIT} seconds", ""
+    status, text = link(opts, work, seed.args)
+    wrong = f"no end within {TIME_LIMIT} seconds" if status is None else verdict(status, text, work)
     if opts.only is not None:
-        print(f"variant {number} of \"{seed.name}\": {said}\nin {work}\nstatus {done.returncode if text else '-'}\n{text}")
+        print(f"variant {number} of \"{seed.name}\": {said}\nin {work}\nstatus {status}\n{text}")
     elif not wrong:
         shutil.rmtree(work)
     if not wrong:
@@ -557,7 +492,7 @@ def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--qvlink", required=True, type=Path)
     parser.add_argument("--work", required=True, type=Path)
-    parser.add_argument("--count", type=int, default=1500, help="how many variants")
+    parser.add_argument("--count", type=int, default=4000, help="how many variants")
     parser.add_argument("--first", type=int, default=0, help="the number of the first one")
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--only", type=int, help="one variant, told at length, its files kept")
@@ -569,7 +504,11 @@ def main():
     opts.qvlink, opts.work = opts.qvlink.resolve(), opts.work.resolve()
     shutil.rmtree(opts.work, ignore_errors=True)
     (opts.work / "seeds").mkdir(parents=True)
-    seeds = object_seeds(opts.work / "seeds") + example_seeds(opts.work / "seeds")
+    seeds = object_seeds(opts.work / "seeds", opts.qvlink) + example_seeds(opts.work / "seeds")
+    broken = [report for report in (check_seed(seed, opts) for seed in seeds) if report]
+    if broken:
+        print(*broken, sep="\n")
+        return 1
     if opts.corpus:
         seeds += corpus_seeds(opts.work / "seeds", opts.corpus)
     numbers = [opts.only] if opts.only is not None else range(opts.first, opts.first + opts.count)
@@ -591,6 +530,8 @@ def main():
             if report:
                 failed += 1
                 print(report, flush=True)
+    for server in all_servers:
+        server.close()
     print(f"{len(seeds)} seeds, {len(numbers)} variants, {failed} failures")
     return 1 if failed else 0
 
