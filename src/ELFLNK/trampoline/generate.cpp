@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <vector>
 
+#include "DIAG/diagnostic.h"
 #include "ELFLNK/build/build.h"
 #include "ELFLNK/build/build_state.h"
 #include "ELFLNK/build/link_kind.h"
@@ -120,6 +121,7 @@ void JUMP_ENT::write_data_internal(OF_SECTION* output, uint32_t offset) {
 // ---- the check -----------------------------------------------------------------------------
 
 void check_calls_reach() {
+    if (DIAGNOSTIC::error_count_m != 0) return; // what found no room may be anywhere
     if (is_partial_link() || !Target->linker_generates_trampolines()) return;
     std::vector<SECTION*> sections;
     root_collection->list_sections(sections);
