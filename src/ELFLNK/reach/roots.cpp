@@ -136,12 +136,10 @@ bool REGISTRAR::metadata_retains_section(const FILE_STATE& file,
 
 void REGISTRAR::register_required_symbols() {
     for (OF_SYMBOL* sym : global_symbols.entry_symbols())
-        register_target(root_referrer(SYMBOL_TABLE::resolution(sym)),
-                        target_of_symbol(SYMBOL_TABLE::resolution(sym)));
+        register_target(root_referrer(sym), target_of_symbol(SYMBOL_TABLE::resolution(sym)));
     for (OF_SYMBOL* sym : global_symbols.sorted_absolute_defs())
         if (is_partial_ || sym->binding() != OFE::OF_SYM_BINDING_WEAK)
-            register_target(root_referrer(SYMBOL_TABLE::resolution(sym)),
-                            target_of_symbol(SYMBOL_TABLE::resolution(sym)));
+            register_target(root_referrer(sym), target_of_symbol(SYMBOL_TABLE::resolution(sym)));
 }
 
 void REGISTRAR::register_required_sections() {

@@ -99,8 +99,9 @@ void SPECIALIZATION::remove_routine(size_t index) {
     root_collection->remove_reference(
         root_collection->lookup_OF_SECTION(placeholder_section_),
         root_collection->lookup_OF_SECTION(routine.symbol->section()));
-    // What the user retains stays.
-    if (!retain_manager.match_symbol(routine.name))
+    // What refers to the function by its name is moved to the variant later; what the user retains
+    // stays.
+    if (routine.symbol != symbol_ && !retain_manager.match_symbol(routine.name))
         root_collection->remove_symbol_reference_from_root_section(routine.name);
     routines_.erase(routines_.begin() + static_cast<std::ptrdiff_t>(index));
 }

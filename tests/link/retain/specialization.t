@@ -122,6 +122,31 @@ __QV_zero_init_nomemset: movs r1, #0
 --diag_suppress=10151
 MEMORY { M : origin = 0x1000, length = 0x1000 }
 SECTIONS { .text : { *(.text*) } > M  .bss : { *(.bss*) } > M, table(tab)  .ovly : > M }
+--- vars.s
+    .global _c_int00
+    .section .text._c_int00, "ax"
+    .thumb_func
+_c_int00: bx lr
+    .balign 4
+    .word vars
+    .section .data.vars, "aw"
+vars: .fill 64, 1, 7
+--- zeros.s
+    .section .bss.zeros, "aw", %nobits
+    .global zeros
+zeros: .space 16
+--- unpack.s
+    .global __QV_decompress_none, __QV_decompress_lzss
+    .section .text.none, "ax"
+    .thumb_func
+__QV_decompress_none: nop
+    .section .text.lzss, "ax"
+    .thumb_func
+__QV_decompress_lzss: nop
+--- rom.cmd
+--diag_suppress=10151
+MEMORY { ROM (RX) : origin = 0x1000, length = 0x1000  RAM : origin = 0x8000, length = 0x1000 }
+SECTIONS { .text : { *(.text*) } > ROM  .cinit : > ROM  .data : { *(.data*) } > RAM  .bss : { *(.bss*) } > RAM }
 --- ok.cmd
 --entry_point=_start
 --diag_suppress=10151
@@ -268,3 +293,15 @@ zero1000.o zeroinit.o zero.cmd -o out.elf
 movs r1, #1
 --- sym
 __QV_zero_init_nomemset -
+--- case a routine that nothing is unpacked by leaves with its variants
+--- args
+vars.o unpack.o zeroinit.o rom.cmd --rom_model -o out.elf
+--- sym
+__QV_zero_init -
+__QV_zero_init_nomemset -
+--- case unless something is cleared
+--- args
+vars.o zeros.o unpack.o zeroinit.o rom.cmd --rom_model --undef_sym=zeros -o out.elf
+--- sym
+__QV_zero_init -
+__QV_zero_init_nomemset 0x1009 .text
