@@ -5,6 +5,7 @@
 #include <set>
 #include <strings.h>
 
+#include "DIAG/diagnostic.h"
 #include "DIAG/elnk_msgs.h"
 #include "ELFLNK/build/build.h"
 #include "ELFLNK/build/build_state.h"
@@ -372,7 +373,9 @@ void COMPRESS_DB::check_decompression_locators() {
 // ---- between the phases of placement -------------------------------------------------------
 
 void COMPRESS_DB::process_compressed_sections() {
-    if (processed_ || !is_supported() || !any_compression_requested()) return;
+    // After an error nothing is written, and what did not fit may be of any size.
+    if (processed_ || DIAGNOSTIC::error_count_m > 0) return;
+    if (!is_supported() || !any_compression_requested()) return;
     processed_ = true;
     const std::vector<COPY_RECORD*> records = global_copy_table_db->cmprs_cprec_list();
     if (records.empty()) return;

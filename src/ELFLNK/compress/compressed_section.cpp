@@ -1,6 +1,7 @@
 // What happens to a load image: its data arrives, is encoded, and the run image gives its data up.
 #include "ELFLNK/compress/compressed_section.h"
 
+#include "DIAG/diagnostic.h"
 #include "DIAG/elnk_msgs.h"
 #include "ELFLNK/build/build.h"
 #include "ELFLNK/build/build_state.h"
@@ -227,7 +228,7 @@ void COMPRESSED_SECTION::finalize_compression(short fallback) {
 
 bool COMPRESSED_SECTION::encode() {
     if (encoded_) return true;
-    if (info_ == nullptr || !copy_uncompressed_data()) return false;
+    if (DIAGNOSTIC::error_count_m > 0 || info_ == nullptr || !copy_uncompressed_data()) return false;
     if (image_ == nullptr) {
         image_ = std::make_unique<DATA_MAP>();
         encode_to(*image_);
@@ -260,7 +261,7 @@ void COMPRESSED_SECTION::update_before_placement(PLACEMENT_PHASE phase) {
 }
 
 void COMPRESSED_SECTION::finalize_internal(OFE::OF_SECTION* output, uint32_t offset) {
-    if (!encoded_) {
+    if (!encoded_ && DIAGNOSTIC::error_count_m == 0) {
         relocs_checked_ = false;
         if (!encode()) DIAG_REPORT(elnk_cmprs_data_not_valid, name());
     }

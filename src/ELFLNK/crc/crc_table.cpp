@@ -1,6 +1,7 @@
 // CRC records: which operator asks for them, when their value is computed.
 #include "ELFLNK/crc/crc_table.h"
 
+#include "DIAG/diagnostic.h"
 #include "DIAG/elnk_msgs.h"
 #include "ELFLNK/build/link_kind.h"
 #include "ELFLNK/crc/crcgen.h"
@@ -93,7 +94,9 @@ void CRC_RECORD::compute_crc() {
     algorithm_name_ = CRCGEN::find_crc_name(static_cast<unsigned>(kind()));
 }
 
+// After an error nothing is written, and what did not fit may be of any size.
 void CRC_RECORD::write_record(DATA_MAP& data) {
+    if (DIAGNOSTIC::error_count_m > 0) return;
     finalize_data_for_crc(outsect(), outsect()->load_address());
     compute_crc();
     write_crc_record(data);
