@@ -277,15 +277,16 @@ bool LCF_PARSER::table_request(const char* parameter, COLLECTION* section, TABLE
     const SOURCE_POSITION pos = token().position();
     lex();
     lex();
+    if (!lex_required(TOK_NAME)) return true;
     const char* name = savestr(text());
-    if (!lex_skip_required(TOK_NAME)) return true;
+    lex();
     const char* word = nullptr;
     if (lex_skip_optional(',')) {
         if (keyword(parameter)) {
             lex();
-            if (lex_skip_required('=')) {
+            if (lex_skip_required('=') && lex_required(TOK_NAME)) {
                 word = savestr(text());
-                if (!lex_skip_required(TOK_NAME)) word = nullptr;
+                lex();
             }
         } else {
             LCF_ERROR(elnk_syn_bad_scn_prop, text());

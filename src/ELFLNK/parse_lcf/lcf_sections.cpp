@@ -1,9 +1,9 @@
 // The SECTIONS directive: output sections, GROUPs and UNIONs, and how their wishes become locators.
 #include "ELFLNK/object/root_collection.h"
-#include "ELFLNK/table/copy_table_db.h"
 #include "ELFLNK/parse_lcf/lcf_errors.h"
 #include "ELFLNK/parse_lcf/lcf_parser.h"
 #include "ELFLNK/parse_lcf/placement_properties.h"
+#include "ELFLNK/table/copy_table_db.h"
 #include "UTIL/savestr.h"
 
 namespace {
@@ -98,10 +98,13 @@ const char* LCF_PARSER::group_or_union_name(bool is_union) {
     lex();
     if (code() == '(') {
         lex();
-        const char* name = savestr(text());
-        bool named = lex_skip_required(TOK_NAME);
+        const char* name = nullptr;
+        if (lex_required(TOK_NAME)) {
+            name = savestr(text());
+            lex();
+        }
         lex_skip_required(')');
-        if (named) return name;
+        if (name != nullptr) return name;
     }
     return is_union ? savestrf("UNION_%d", ++unnamed_unions)
                     : savestrf("GROUP_%d", ++unnamed_groups);

@@ -68,6 +68,12 @@ TEST(lcf_parser, memory_ranges_with_all_forms_of_specifiers) {
     EXPECT_EQ(p.range("ATT")->page(), 1);
 }
 
+TEST(lcf_parser, a_stray_token_in_front_of_a_name_is_no_name) {
+    PARSE p("SECTIONS { GROUP(; named) : { .a : {} } }");
+    EXPECT_EQ(p.places, "1:18: expecting \"<name>\" instead of \";\"\n");
+    EXPECT_STREQ(p.object()->name(), "named");
+}
+
 TEST(lcf_parser, a_mixed_case_specifier_begins_the_next_range) {
     PARSE p("MEMORY { A : o = 0, l = 4 Origin : o = 8, l = 4 }");
     EXPECT_NE(p.range("Origin"), nullptr);
