@@ -130,6 +130,7 @@ void check_calls_reach() {
         if (info == nullptr || !section->is_placed()) continue;
         for (TRAMP_CALL_SITE* site : info->calls()) {
             if (!site->need_trampoline()) continue;
+            if (site->address() > UINT32_MAX) continue; // no output can be made of that
             uint64_t lo = 0;
             uint64_t hi = 0;
             site->get_reachable_range(lo, hi);
