@@ -152,6 +152,17 @@ void COMPRESSED_SECTION::mark_run_image_uninitialized() {
     run_->clear_attr(PA_HAS_DATA);
 }
 
+static void copy_leaf(LINKER_OBJECT* leaf, OFE::OF_SECTION* to, uint32_t offset) {
+    leaf->write_data_internal(to, offset);
+    leaf->set_data_written(true);
+    SECTION* section = as_section(leaf);
+    OFE::OF_SECTION* input = section != nullptr ? section->OF_SECTION_api() : nullptr;
+    if (input == nullptr) return;
+    const auto size = static_cast<uint32_t>(input->bytes().size);
+    if (uint8_t* bytes = to->writable_bytes(offset, size))
+        Target->finalize_copied_data(input, bytes, size);
+}
+
 void COMPRESSED_SECTION::copy_data() {
     OFE::OF_SECTION* to = OF_SECTION_api();
     std::vector<LINKER_OBJECT*> leaves;
@@ -166,8 +177,7 @@ void COMPRESSED_SECTION::copy_data() {
         const auto offset = narrow<uint32_t>(leaf->run_address() - run_->run_address());
         if (!leaf->finalized()) leaf->finalize_internal(to, offset);
         leaf->set_finalized(true);
-        if (!leaf->data_written()) leaf->write_data_internal(to, offset);
-        leaf->set_data_written(true);
+        if (!leaf->data_written()) copy_leaf(leaf, to, offset);
     }
 }
 
@@ -228,7 +238,8 @@ void COMPRESSED_SECTION::finalize_compression(short fallback) {
 
 bool COMPRESSED_SECTION::encode() {
     if (encoded_) return true;
-    if (DIAGNOSTIC::error_count_m > 0 || info_ == nullptr || !copy_uncompressed_data()) return false;
+    if (DIAGNOSTIC::error_count_m > 0 || info_ == nullptr || !copy_uncompressed_data())
+        return false;
     if (image_ == nullptr) {
         image_ = std::make_unique<DATA_MAP>();
         encode_to(*image_);

@@ -160,7 +160,10 @@ class TARGET {
     virtual void init_output_file(OFE::OBJECT_FILE*, OFE::OBJECT_FILE*) {}
     /// What relocations of type TARGET2 mean: a distance, or (as without this) an address.
     virtual void set_target2_relative(bool) {}
+    /// Brings the data of an output section, which is complete, into its last form; once.
     virtual void finalize_section_data(OFE::OF_SECTION*) {}
+    /// The same for a copy of an input section's data that does not go to an output section.
+    virtual void finalize_copied_data(OFE::OF_SECTION*, uint8_t*, uint32_t) {}
     virtual void finalize_output_file() {}
 
     // --- the map file

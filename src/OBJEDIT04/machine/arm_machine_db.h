@@ -93,6 +93,8 @@ class ARM_MACHINE_DB final : public OF_MACHINE_DB {
     // Reverses the bytes of each ARM word and Thumb halfword of a section, as its mapping symbols
     // tell.
     void swap_be8_code(OF_SECTION* section);
+    // The same for a copy of the section's bytes.
+    void swap_be8_code(OF_SECTION* section, uint8_t* bytes, unsigned size);
 
     // Machine flag of the ELF header that says code is little-endian in a big-endian file.
     static constexpr unsigned EF_ARM_BE8 = 0x00800000;

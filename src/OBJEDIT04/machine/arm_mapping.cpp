@@ -129,7 +129,10 @@ void ARM_MACHINE_DB::swap_be8_code(OF_SECTION* section) {
     if (!section->initialized() || !section->exec()) return;
     unsigned size = section->size_in_bytes();
     uint8_t* bytes = size ? section->writable_bytes(0, size) : nullptr;
-    if (!bytes) return;
+    if (bytes) swap_be8_code(section, bytes, size);
+}
+
+void ARM_MACHINE_DB::swap_be8_code(OF_SECTION* section, uint8_t* bytes, unsigned size) {
     const MAPPINGS* list = mappings_of(section);
     uint32_t base = section->run_addr();
     auto swap_stretch = [&](uint64_t from, uint64_t to, SECTION_MODE mode) {

@@ -247,10 +247,16 @@ void ARM_TARGET::mark_unmapped_sections() {
 }
 
 void ARM_TARGET::finalize_section_data(OFE::OF_SECTION* section) {
-    if (!needs_be8_code_swap_) return;
+    if (!needs_be8_code_swap_ || !swapped_sections_.insert(section).second) return;
     if (!unmapped_sections_marked_) mark_unmapped_sections();
     unmapped_sections_marked_ = true;
     output_machine()->swap_be8_code(section);
+}
+
+void ARM_TARGET::finalize_copied_data(OFE::OF_SECTION* input, uint8_t* bytes, uint32_t size) {
+    if (needs_be8_code_swap_ && input->exec())
+        static_cast<ARM_MACHINE_DB*>(input->ofile()->machine_db())
+            ->swap_be8_code(input, bytes, size);
 }
 
 void ARM_TARGET::finalize_output_file() {
@@ -270,8 +276,8 @@ void ARM_TARGET::set_target2_relative(bool relative) {
     ARM_MACHINE_DB::set_target2_relative(relative);
 }
 
-void ARM_TARGET::gen_mapping_symbol(OFE::OF_SECTION* section,
-                                    OFE::ARM_TYPES::SECTION_MODE mode, uint32_t offset) {
+void ARM_TARGET::gen_mapping_symbol(OFE::OF_SECTION* section, OFE::ARM_TYPES::SECTION_MODE mode,
+                                    uint32_t offset) {
     OFE::OF_SYMBOL* symbol = section->ofile()->symbol_table()->new_symbol();
     symbol->set_name_view(ARM_MACHINE_DB::mapping_sym_name(mode));
     symbol->set_section(section);

@@ -2,6 +2,8 @@
 // convention that it links for.
 #pragma once
 
+#include <set>
+
 #include "ELFLNK/target/arm/arm_arch_types.h"
 #include "ELFLNK/target/target.h"
 #include "OBJEDIT04/machine/arm_machine_db.h"
@@ -56,6 +58,7 @@ class ARM_TARGET final : public TARGET {
     void init_output_file(OFE::OBJECT_FILE* output, OFE::OBJECT_FILE* first) override;
     void set_target2_relative(bool relative) override;
     void finalize_section_data(OFE::OF_SECTION* section) override;
+    void finalize_copied_data(OFE::OF_SECTION* input, uint8_t* bytes, uint32_t size) override;
     void finalize_output_file() override;
     void init_mapfile_filter() override;
 
@@ -77,5 +80,6 @@ class ARM_TARGET final : public TARGET {
     ARM_ARCH_TYPES silicon_;
     std::unique_ptr<FCOMPAT> fcompat_; ///< one object for the run
     bool unmapped_sections_marked_ = false;
+    std::set<const OFE::OF_SECTION*> swapped_sections_; ///< output sections in their last form
     bool needs_be8_code_swap_ = true; ///< the output is big-endian with little-endian code
 };
