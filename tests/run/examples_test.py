@@ -43,11 +43,26 @@ def check_file(elf):
     bad = [line for line in text.splitlines() if "arning" in line or "rror" in line.replace("error", "")]
     if bad:
         raise run.Failed(f"readelf has something to say of {elf}:\n" + "\n".join(bad))
+    text = run.run(["llvm-readelf", "-a", elf])
+    if "warning:" in text or "error:" in text:
+        raise run.Failed(f"llvm-readelf on {elf}:\n{text}")
     said = subprocess.run(["eu-elflint", "--gnu-ld", elf], stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
     faults = [line for line in said.stdout.decode().splitlines()
               if line.strip() and line != "No errors" and not any(re.search(t, line) for t in TOLERATED)]
     if faults:
         raise run.Failed(f"eu-elflint on {elf}:\n" + "\n".join(faults))
+
+
+def check_debugger(elf):
+    """gdb finds the functions of the program where they are, with their lines."""
+    functions = {s.name: s.value & ~1 for s in Elf(elf).symbols
+                 if s.type == "FUNC" and s.bind == "GLOBAL" and s.name in ("main", "start")}
+    asked = [f"-ex=info {what}" for name in functions for what in (f"line {name}", f"functions ^{name}")]
+    text = run.run(["gdb-multiarch", "-batch", "-nx", *asked, elf])
+    at = {m[2]: int(m[1], 16) for m in re.finditer(r"Line \d+ of \"[^\"]*\"\s+starts at address (0x\w+) <(\w+)[(>]", text)}
+    listed = {m[1] or m[2] for m in re.finditer(r"^\d+:.*?\b(\w+)\(.*\);$|^0x\w+  (\w+)$", text, re.M)}
+    if not at or any(functions[name] != place for name, place in at.items()) or not listed & functions.keys():
+        raise run.Failed(f"gdb reads {elf} otherwise than it is, {functions}:\n{text}")
 
 
 def check_image(elf):
@@ -124,6 +139,7 @@ def main():
                 raise run.Failed(f"printed\n{printed}--- expected\n{expected}")
             check_file(elf)
             check_image(elf)
+            check_debugger(elf)
             check_stubs(name, elf)
             if name == "crc":
                 check_that_changes_show(elf)

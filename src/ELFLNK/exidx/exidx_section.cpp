@@ -1,6 +1,7 @@
 #include "ELFLNK/exidx/exidx_section.h"
 
 #include "ELFLNK/build/build.h"
+#include "OBJEDIT04/elf/elf_file.h"
 #include "OBJEDIT04/elf/elf_types.h"
 #include "OBJEDIT04/ofe/object_file.h"
 #include "OBJEDIT04/ofe/of_reloc.h"
@@ -8,7 +9,6 @@
 #include "OBJEDIT04/ofe/of_section.h"
 #include "OBJEDIT04/ofe/of_section_table.h"
 #include "OBJEDIT04/ofe/of_symbol.h"
-#include "OBJEDIT04/ofe/of_symbol_table.h"
 #include "UTIL/savestr.h"
 
 using namespace OFE;
@@ -25,22 +25,8 @@ OF_SECTION* EXIDX_SECTION::link_to_OF_section() {
 
 void EXIDX_SECTION::patch_aliased_symbol_references() {
     OF_SECTION* section = OF_SECTION_api();
-    // Only an object that was made for a symbol can be an alias; raw records need none.
-    OF_SYMBOL_TABLE* symbols = section->ofile()->symbol_table();
-    if (symbols == nullptr) return;
-    OF_SECTION_TABLE* table = section->section_table();
-    const unsigned raw_tables =
-        section->ofile()->is_input() ? table->raw_reloc_table_num(section->id()) : 0;
-    bool aliased = raw_tables == 0;
-    for (unsigned t = 0; t < raw_tables && !aliased; t++) {
-        const OF_RAW_RELOCS relocs = table->raw_relocs(section->id(), t);
-        for (unsigned i = 0; i < relocs.size() && !aliased; i++) {
-            const unsigned id = relocs[i].sym_id;
-            const OF_SYMBOL* symbol = id < symbols->symnum() ? symbols->loaded_symbol(id) : nullptr;
-            aliased = symbol != nullptr && symbol->is_alias();
-        }
-    }
-    if (!aliased) return;
+    // Symbols are aliases only where their file has a table that says so.
+    if (elf_api(section->ofile())->symalias_table(false) == nullptr) return;
     for (OF_RELOC* reloc : section->all_relocs()) patch_reloc(reloc);
 }
 
