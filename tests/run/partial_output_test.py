@@ -2,7 +2,7 @@
 """A link that cannot end leaves nothing that could be taken for its output.
 
 The disk is full, the size of a file is limited, or a signal comes at any moment: under the output's name there is
-either nothing or the whole file, and where the linker can still act, nothing else is left either. The program that is
+either nothing, or what stood there before, or the whole file, and where the linker can still act, nothing else is left either. The program that is
 linked is large, so that much of the link is writing.
 """
 import argparse
@@ -81,17 +81,19 @@ def check_full_disk(opts, mode):
         raise Failed(f"full disk, {mode}: the link left {done.stdout.decode()}")
 
 
-def check_signal(opts, mode, sig, delay, whole):
-    """Returns whether the signal came in time."""
+def check_signal(opts, mode, sig, delay, whole, old):
+    """Returns whether the signal came in time. `old`: what stands under the output's name, if anything."""
     linker = Linker(opts, "signal", mode)
+    if old:
+        (linker.folder / "out.elf").write_bytes(old)
     process = linker.start()
     time.sleep(delay)
     process.send_signal(sig)
     process.communicate(timeout=120)
     what = f"{signal.Signals(sig).name} after {delay * 1000:.1f} ms, {mode}"
     left = linker.left()
-    if "out.elf" in left and (linker.folder / "out.elf").read_bytes() != whole:
-        raise Failed(f"{what}: out.elf is not the whole file")
+    if "out.elf" in left and (linker.folder / "out.elf").read_bytes() not in (whole, old or whole):
+        raise Failed(f"{what}: out.elf is neither the whole file nor the old one")
     others = [name for name in left if name != "out.elf"]
     if others and SIGNALS[sig]:
         raise Failed(f"{what}: the link left {others}")
@@ -112,16 +114,18 @@ def check_signals(opts, mode):
     if len(whole) < SIZE:
         raise Failed(f"the undisturbed link wrote {len(whole)} bytes")
     for sig in SIGNALS:
-        in_time = sum(check_signal(opts, mode, sig, duration * (i + 0.5) / MOMENTS, whole) for i in range(MOMENTS))
+        in_time = sum(check_signal(opts, mode, sig, duration * (i + 0.5) / opts.moments, whole, b"old" * (i % 2))
+                      for i in range(opts.moments))
         if in_time == 0:
             raise Failed(f"{signal.Signals(sig).name}, {mode}: no signal came before the link had ended")
-        print(f"{signal.Signals(sig).name}, {mode}: {in_time} of {MOMENTS} in time")
+        print(f"{signal.Signals(sig).name}, {mode}: {in_time} of {opts.moments} in time")
 
 
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--qvlink", required=True, type=Path)
     parser.add_argument("--work", required=True, type=Path)
+    parser.add_argument("--moments", type=int, default=MOMENTS, help="how often each signal is sent")
     opts = parser.parse_args()
     opts.qvlink, opts.work = opts.qvlink.resolve(), opts.work.resolve()
     opts.work.mkdir(parents=True, exist_ok=True)
