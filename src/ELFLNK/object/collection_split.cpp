@@ -3,6 +3,7 @@
 // that placement made of them.
 #include <algorithm>
 #include <cstring>
+#include <tuple>
 
 #include "DIAG/elnk_msgs.h"
 #include "ELFLNK/expr/expression.h"
@@ -90,6 +91,21 @@ void COLLECTION::flatten_section_specs() {
     }
 }
 
+namespace {
+
+/// Sorts by less_than_run_address; each object is asked once for what decides.
+void sort_by_run_address(std::vector<LINKER_OBJECT*>& objects) {
+    using KEY = std::tuple<int, uint64_t, uint64_t, uint32_t, LINKER_OBJECT*>;
+    std::vector<KEY> keys;
+    keys.reserve(objects.size());
+    for (LINKER_OBJECT* obj : objects)
+        keys.emplace_back(obj->run_page(), obj->run_address(), obj->size(), obj->id(), obj);
+    std::sort(keys.begin(), keys.end());
+    for (size_t i = 0; i < keys.size(); ++i) objects[i] = std::get<LINKER_OBJECT*>(keys[i]);
+}
+
+} // namespace
+
 // ---- splitting -----------------------------------------------------------------------------
 
 void COLLECTION::split_outsects() {
@@ -105,7 +121,7 @@ void COLLECTION::split_outsect() {
     is_split_container_ = true;
     std::vector<LINKER_OBJECT*> pieces(members_.begin(), members_.end());
     clear_members();
-    std::sort(pieces.begin(), pieces.end(), less_than_run_address);
+    ::sort_by_run_address(pieces);
 
     std::vector<LINKER_OBJECT*> group;
     for (LINKER_OBJECT* piece : pieces) {

@@ -13,18 +13,26 @@
 /// One walk over the members that have no place yet; true if none is left over.
 bool LOCATOR::place_split_members(MEMORY_RANGE* trial) {
     bool all = true;
+    uint64_t room = trial->unused();
+    auto has_room_for = [&](LOCATOR* sub) {
+        return sub->is_split() ? sub->fits_in_range(trial) : sub->object_->est_size_min() <= room;
+    };
     for (LOCATOR* sub : sub_items()) {
         if (sub->is_complete()) continue;
         sub->clear_flag(LF_SPLIT_PLACED | LF_HIGHEST);
         if (sub->is_virtual() && !trial->is_hidden()) {
             sub->place_virtual(trial->origin());
             set_flag(LF_SPLIT_PLACED);
-        } else if (sub->fits_in_range(trial) && insert_with_retry(sub, trial)) {
+            continue;
+        }
+        const bool is_tried = has_room_for(sub);
+        if (is_tried && insert_with_retry(sub, trial)) {
             set_flag(LF_SPLIT_PLACED);
         } else {
             all = false;
             set_flag(sub->flags_ & LF_SPLIT_PLACED);
         }
+        if (is_tried) room = trial->unused();
     }
     return all;
 }

@@ -76,6 +76,7 @@ ORDER_KEY ORDER_CONTEXT::key_of(LOCATOR* locator) {
     key.parent = object->parent();
     key.specific = locator->has_flag(LF_SPECIFIC);
     key.run_first = locator->is_run_or_both();
+    key.load = locator->is_load();
     if (object->is_section()) {
         const auto* section = static_cast<const SECTION*>(object);
         key.section_name = section->original_section_name();
@@ -123,9 +124,9 @@ uint64_t ORDER_CONTEXT::contention(const ORDER_KEY& a, const ORDER_KEY& b) const
 int ORDER_CONTEXT::compare_members(const ORDER_KEY& a, const ORDER_KEY& b) const {
     const LINKER_OBJECT* first = a.object;
     const LINKER_OBJECT* second = b.object;
-    if (a.locator->is_load() || b.locator->is_load()) {
-        bool first_done = a.locator->is_load() && first->run_placement_is_complete();
-        bool second_done = b.locator->is_load() && second->run_placement_is_complete();
+    if (a.load || b.load) {
+        bool first_done = a.load && first->run_placement_is_complete();
+        bool second_done = b.load && second->run_placement_is_complete();
         if (first_done != second_done) return before_if(first_done);
         if (first_done && first->run_address() != second->run_address())
             return before_if(first->run_address() < second->run_address());

@@ -21,6 +21,7 @@ struct ORDER_KEY {
     bool contends;      ///< placement specified, not complete, not virtual
     bool specific;      ///< specific address
     bool run_first;     ///< a locator of kind RUN or BOTH
+    bool load;          ///< a locator of kind LOAD
     uint32_t preferred; ///< rank of an input section that the user asked for; 0 none
     LINKER_OBJECT* object;
     const COLLECTION* parent;
