@@ -56,10 +56,6 @@ void TRAMP_CALL_SITE::get_reachable_range(uint64_t& lo, uint64_t& hi) const {
     hi = reach > ~at ? ~uint64_t{0} : at + reach;
 }
 
-uint64_t TRAMP_CALL_SITE::callee_address() const {
-    return callee_->address();
-}
-
 bool TRAMP_CALL_SITE::need_trampoline() {
     if (is_partial_link() || !Target->linker_generates_trampolines()) return false;
     if (extreme_tramps != 0 || !is_placed()) return true;

@@ -64,7 +64,6 @@ class TRAMP_CALL_SITE : public CALL_SITE {
     virtual bool tramp_is_compatible(const TRAMPOLINE*) const { return true; }
     /// The addresses [lo, hi] that the instruction reaches.
     virtual void get_reachable_range(uint64_t& lo, uint64_t& hi) const;
-    uint64_t callee_address() const;
     /// A trampoline of its own, without a place yet.
     TRAMPOLINE* new_trampoline();
     void attach_trampoline(TRAMPOLINE* trampoline);
