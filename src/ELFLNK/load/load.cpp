@@ -1,6 +1,6 @@
 // The load phase from end to end: see load().
-#include "ELFLNK/compress/compress_db.h"
 #include "ELFLNK/load/load.h"
+#include "ELFLNK/compress/compress_db.h"
 
 #include "DIAG/elnk_msgs.h"
 #include "ELFLNK/build/link_kind.h"
