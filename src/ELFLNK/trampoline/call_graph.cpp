@@ -1,8 +1,8 @@
 // Which calls may need a trampoline, found before placement from the raw relocations of all live
 // sections with code.
 //
-// Nearly all calls of nearly all programs are certain to reach: the ranges that caller and callee may
-// be placed in lie close enough together, and both are code of one state. Such a call gets no
+// Nearly all calls of nearly all programs are certain to reach: the ranges that caller and callee
+// may be placed in lie close enough together, and both are code of one state. Such a call gets no
 // object. What a symbol stands for is worked out once per file and symbol, where a section may go
 // once per collection.
 #include <algorithm>
