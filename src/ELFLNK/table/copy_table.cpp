@@ -95,7 +95,10 @@ void COPY_RECORD::update_after_split(LOAD_DATA_RECORD* piece) {
     if (!piece->is_copy_record() || compressed_ == nullptr) return;
     auto* copy = static_cast<COPY_RECORD*>(piece);
     copy->attach_compression_object(compressed_->run_locator());
-    if (copy->compressed_ != nullptr) enter_worklist(copy->compressed_->run_locator());
+    // After errors there may be no place to wish for.
+    COMPRESSED_SECTION* section = copy->compressed_;
+    if (section != nullptr && section->run_locator() != nullptr)
+        enter_worklist(section->run_locator());
 }
 
 void COPY_RECORD::dump_header(PPRINT* out) const {
