@@ -187,11 +187,12 @@ BYTES with_section(const char* name, const BYTES& bytes) {
 // A header of extended section attributes: version bytes, entries, size of an entry.
 BYTES attributes(uint8_t version, uint8_t second, uint8_t optional, unsigned count, unsigned size,
                  BYTES values) {
-    BYTES b(26);
+    constexpr size_t header = 26;
+    BYTES b(header + values.size());
     b[0] = version, b[1] = second, b[2] = optional;
     write_u32(&b[20], count, false);
     write_u16(&b[24], static_cast<uint16_t>(size), false);
-    b.insert(b.end(), values.begin(), values.end());
+    std::copy(values.begin(), values.end(), b.begin() + header);
     return b;
 }
 
