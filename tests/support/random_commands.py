@@ -246,7 +246,7 @@ class Maker:
         tokens = ["{"]
         for pattern in self.rng.sample(PATTERNS[kind], self.rng.randrange(1, len(PATTERNS[kind]) + 1)):
             tokens += pattern
-            if dots and self.chance(0.2):
+            if self.chance(0.2):
                 tokens += ["{"] + self.symbol_properties(2) + ["}"]
             if self.chance(0.2):
                 tokens.append(",")

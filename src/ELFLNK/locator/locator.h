@@ -288,6 +288,7 @@ class LOCATOR : public OALLOC<LOCATOR> {
     void copy_layout(MEMORY_RANGE* range, const LOCATOR* source, uint64_t delta);
     void pre_placement_layout();
     void pre_place_highest();
+    void pre_place_run_image();
     void pre_place_p2align();
     void set_pre_placed();
     bool place_split_collection(MEMORY_RANGE* trial);

@@ -119,8 +119,21 @@ void COLLECTION::split_outsects() {
 void COLLECTION::split_outsect() {
     kind_ = COLLECTION_LOGICAL;
     is_split_container_ = true;
-    std::vector<LINKER_OBJECT*> pieces(members_.begin(), members_.end());
-    clear_members();
+    // A member that was split itself has no place: its members stand for it. The symbols on it
+    // name no address any more and stay with the container.
+    std::vector<LINKER_OBJECT*> pieces;
+    pieces.reserve(members_.size());
+    std::vector<COLLECTION*> split{this};
+    for (size_t i = 0; i < split.size(); ++i) {
+        COLLECTION* whole = split[i];
+        for (LINKER_OBJECT* member : whole->members_)
+            if (COLLECTION* below = as_collection(member); below && any_locator(below, LF_SPLIT))
+                split.push_back(below);
+            else
+                pieces.push_back(member);
+        if (whole != this) take_assignments(whole);
+        whole->clear_members();
+    }
     ::sort_by_run_address(pieces);
 
     std::vector<LINKER_OBJECT*> group;

@@ -75,6 +75,7 @@ void report_unknown_range(const char* name, int page, const SOURCE_POSITION* pos
 
 void LOCATOR::place_object() {
     bind_padding_to_subobjects();
+    if (is_load()) pre_place_run_image();
     if (is_highest()) pre_place_highest();
     if (has_flag(LF_SPECIFIC))
         place_specific();

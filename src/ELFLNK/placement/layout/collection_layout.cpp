@@ -262,6 +262,25 @@ void LOCATOR::pre_place_highest() {
     for (const LINKER_OBJECT* section : sections) add_min_align(section->blocking());
 }
 
+/// Dot counts where the object runs: a load image that comes first (its run image may be part of
+/// what a later phase places) copies a run image laid out for it.
+void LOCATOR::pre_place_run_image() {
+    const COLLECTION* collection = as_collection(object_);
+    if (collection == nullptr || !collection->has_assign_to_dot_expression() ||
+        collection->layout_locator() != nullptr)
+        return;
+    std::vector<LOCATOR*> enclosing; // innermost first
+    for (const LINKER_OBJECT* above = object_->parent(); above != nullptr; above = above->parent())
+        if (above->run_locator() != nullptr) enclosing.push_back(above->run_locator());
+    for (auto at = enclosing.rbegin(); at != enclosing.rend(); ++at) (*at)->extract_subitems();
+    LOCATOR* run = object_->run_locator();
+    if (run == nullptr || run->is_placed()) return;
+    const uint32_t wishes = run->flags_ & (LF_HIGHEST | LF_SPLIT);
+    run->clear_flag(wishes);
+    run->pre_placement_layout();
+    run->set_flag(wishes);
+}
+
 void LOCATOR::pre_place_p2align() {
     COLLECTION* collection = as_collection(object_);
     if (collection == nullptr) return;
