@@ -48,7 +48,7 @@ class COPY_RECORD : public LOAD_DATA_RECORD {
     void set_compressed_section(COMPRESSED_SECTION* section) { compressed_ = section; }
 
   private:
-    /// Why the section is copied as it is although compression is wanted; null if nothing is wrong.
+    /// Gives the wanted compression up: the section is stored and copied as it is.
     void copy_uncompressed();
 
     COMPRESSED_SECTION* compressed_ = nullptr;
