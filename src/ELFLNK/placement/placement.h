@@ -9,6 +9,7 @@
 
 #include <set>
 #include <string>
+#include <utility>
 
 #include "ELFLNK/locator/locator.h"
 
@@ -39,6 +40,8 @@ struct PLACEMENT_STATE {
     bool ambiguous_page_reported = false;
     LOCATOR_LIST outside;                          ///< what stands at addresses outside of the map
     std::set<std::string> unknown_ranges_reported; ///< by name, page and place in the command file
+    /// Priorities of which it was told that another goes first, with that other.
+    std::set<std::pair<const LOCATOR*, const LOCATOR*>> priorities_not_honored;
 };
 
 PLACEMENT_STATE& placement_state();

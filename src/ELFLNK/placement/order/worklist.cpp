@@ -12,6 +12,7 @@
 #include "ELFLNK/memmap/memory_map.h"
 #include "ELFLNK/object/linker_object.h"
 #include "ELFLNK/placement/order/priority_dag.h"
+#include "ELFLNK/placement/placement.h"
 #include "ELFLNK/target/abi.h"
 #include "ELFLNK/target/target.h"
 #include "OPTIONGEN/option_obj.h"
@@ -132,11 +133,14 @@ void order_runs_before_loads(KEYS& keys) {
     }
 }
 
+/// Lists are sorted again and again; each pair is told once.
 void warn_of_priorities_not_honored(const LOCATOR_LIST& list) {
+    auto& told = placement_state().priorities_not_honored;
     const LOCATOR* earlier = nullptr;
     for (const LOCATOR* later : list) {
         if (!later->has_flag(LF_PRIORITY)) continue;
-        if (earlier != nullptr && earlier->priority() < later->priority())
+        if (earlier != nullptr && earlier->priority() < later->priority() &&
+            told.emplace(later, earlier).second)
             DIAG_REPORT_AT(later->position(), elnk_priority_not_honored, later->diag_kind(),
                            later->priority(), later->object()->name(), earlier->diag_kind(),
                            earlier->object()->name(), earlier->priority(), later->diag_kind(),
