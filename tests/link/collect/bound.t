@@ -30,6 +30,16 @@ a.o link.cmd -o out.elf --entry_point=_start
 704700bf 00000020
 --- stderr
 "link.cmd", line 2: warning: no matching section
+--- case outside of the map, and told so
+--- patch a.o 0x2d4 00000020
+--- args
+a.o link.cmd -o out.elf --entry_point=_start --warn_sections
+--- section
+.fixed 0x20000000 4
+--- stderr
+"link.cmd", line 2: warning: no matching section
+warning: creating memory range $BOUND$0x20000000 to accommodate BOUND section
+   ".fixed"
 --- case within a range
 --- patch a.o 0x2d4 00080000
 --- args
