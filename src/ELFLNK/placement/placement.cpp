@@ -52,11 +52,12 @@ void place_phase(int phase) {
 }
 
 /// The other address of an object that stands in the first range of an ALIAS pair. If the user
-/// asked for the other window, the run address is there.
+/// asked for the other window, the run address is there. Of an empty object nothing is loaded.
 void place_alternate(LOCATOR* locator, const MEMORY_RANGE* range, const MEMORY_RANGE* alias) {
     LINKER_OBJECT* object = locator->object();
     bool moved = locator->has_flag(LF_ALIAS_MOVED);
     if (locator->is_load() || locator->is_both()) {
+        if (object->size() == 0) return;
         DIAG_REPORT_AT(locator->position(), elnk_alias_no_load,
                        moved ? range->name() : alias->name(), object->name());
         return;

@@ -53,6 +53,13 @@ SECTIONS { .t : { *(.p) *(.q) *(.r) } > A
 --- section
 .y 0x20000000 0x20
 .z 0x20000020 0x30
+--- case the empty sections of files may stand in a window that is the first memory
+--- link.cmd
+MEMORY { ALIAS { ONE : origin = 0x0  TWO : origin = 0x20000000 } LENGTH = 0x100  A : origin = 0x1000, length = 0x100 }
+SECTIONS { .t : { *(.p) *(.q) *(.r) } > A  .y : {} > TWO  .z : {} > ONE }
+--- section
+.z 0x0 0x30
+.y 0x20000030 0x20
 --- case nothing is loaded in a window, whichever was asked for
 --- link.cmd
 MEMORY { A : origin = 0x100, length = 0x100
