@@ -198,6 +198,6 @@ std::string GRAPH_WRITER::covering_symbol(LINKER_OBJECT* object, uint32_t offset
     auto it = std::upper_bound(places.begin(), places.end(), offset,
                                [](uint32_t at, const PLACE& place) { return at < place.start; });
     while (it != places.begin() && (--it)->max_end > offset)
-        if (it->end > offset) return global_symbols.diag_sym_name(it->name);
+        if (it->end > offset) return it->name;
     return "";
 }

@@ -29,7 +29,7 @@ small: .word 0
     .global _Z1giPKc
     .thumb_func
     .type _Z1giPKc, %function
-_Z1giPKc: bx lr
+_Z1giPKc: b f
     .size _Z1giPKc, . - _Z1giPKc
     .section .data.kept, "aw"
     .word 0
@@ -59,7 +59,8 @@ a.o g.o ok.cmd --retain=*(.data.kept) --emit_references:file=refs --emit_referen
     {"source" : ".text._start:a.o", "target" : ".text.f:a.o", "value" : 2, "relocs" : [{"name" : "f", "offset" : 0, "resolution": "_start"},{"name" : "f", "offset" : 4, "resolution": "_start"}]},
     {"source" : ".data.kept:g.o", "target" : ".common:block", "value" : 1, "relocs" : [{"name" : "block", "offset" : 4, "resolution": ""}]},
     {"source" : ".text.f:a.o", "target" : ".data.d:a.o", "value" : 2, "relocs" : [{"name" : ".data.d", "offset" : 8, "resolution": ""},{"name" : ".data.d", "offset" : 12, "resolution": ""}]},
-    {"source" : ".data.d:a.o", "target" : ".text.g:g.o", "value" : 1, "relocs" : [{"name" : "_Z1giPKc", "offset" : 0, "resolution": ""}]}
+    {"source" : ".data.d:a.o", "target" : ".text.g:g.o", "value" : 1, "relocs" : [{"name" : "_Z1giPKc", "offset" : 0, "resolution": ""}]},
+    {"source" : ".text.g:g.o", "target" : ".text.f:a.o", "value" : 1, "relocs" : [{"name" : "f", "offset" : 0, "resolution": "_Z1giPKc"}]}
   ]
 }
 --- text refs.txt has
