@@ -48,7 +48,7 @@ class Problem:
         self.short = rng.choice([0, 0, 0, 1000, 6000, 100000])
         self.sizes = [rng.choice(self.sizes_of(i)) for i in range(count)]
         self.groups = [rng.randrange(rng.choice([1, 2, 4])) for _ in range(count)]
-        self.options = [f"--debug:short_calls={self.short}"] if self.short else []
+        self.options = [f"--debug:xcall={self.short}"] if self.short else []
         if rng.random() < 0.3 and self.cpu != "v4" and self.cpu != "v5" and self.cpu != "m0":
             self.options.append("--embedded_constants=off")
         if rng.random() < 0.2:

@@ -90,7 +90,7 @@ class Test:
         subprocess.run(["arm-none-eabi-as", "a.s", "-o", "a.o"], cwd=work, check=True)
         options = [] if embedded else ["--embedded_constants=off"]
         if kind == "FARCALL":
-            options.append("--debug:extreme_tramps")
+            options.append("--debug:xtramps")
         command = [str(self.opts.qvlink), "a.o", "link.cmd", "-o", "out.elf", *options]
         done = subprocess.run(command, cwd=work, stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
         if done.returncode or done.stdout:

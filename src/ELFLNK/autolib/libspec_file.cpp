@@ -21,7 +21,7 @@
 #include "UTIL/savestr.h"
 #include "UTIL/trace.h"
 
-static register_option debug_alib("debug:alib");
+static register_option debug_alib("debug:autolib");
 
 namespace {
 

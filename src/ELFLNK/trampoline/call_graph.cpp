@@ -113,7 +113,7 @@ class GRAPH_BUILDER {
     };
 
     static bool must_keep_all_sites() {
-        for (const char* key : {"debug:extreme_tramps", "debug:short_calls"})
+        for (const char* key : {"debug:xtramps", "debug:xcall"})
             if (const register_option* option = register_option::get_option(key);
                 option != nullptr && *option != 0)
                 return true;

@@ -16,9 +16,9 @@
 #include "dwarf_editor/dw_source.h"
 
 /// Every call goes through a trampoline.
-register_option extreme_tramps("debug:extreme_tramps");
+register_option extreme_tramps("debug:xtramps");
 /// The reach of every call, in bytes, instead of that of its instruction.
-register_option short_calls("debug:short_calls");
+register_option short_calls("debug:xcall");
 
 namespace {
 

@@ -101,7 +101,7 @@ warning: option -e demoted to -u for symbol "start"
 FAR CALL TRAMPOLINES
 --- case every call, on demand
 --- args
-a.o l.cmd -o out.elf --debug:extreme_tramps --map_file=out.map
+a.o l.cmd -o out.elf --debug:xtramps --map_file=out.map
 --- text out.map has
 far2                      $Tramp$TT$S$$far2
 [5 trampolines]

@@ -54,19 +54,19 @@ $Tramp$TT$L$PI$$far 0x8101
 second 0x8109
 --- case a hole of 1024 bytes below a trampoline is passed by
 --- args
-a.o large.cmd gap.cmd -o out.elf --trampoline_min_spacing=0 --debug:short_calls=1280
+a.o large.cmd gap.cmd -o out.elf --trampoline_min_spacing=0 --debug:xcall=1280
 --- sym
 $Tramp$TT$L$PI$$far 0x8101
 large 0x8509
 --- case one of more than that makes the trampoline move
 --- args
-a.o large.cmd gap.cmd -o out.elf --trampoline_min_spacing=0 --debug:short_calls=1284
+a.o large.cmd gap.cmd -o out.elf --trampoline_min_spacing=0 --debug:xcall=1284
 --- sym
 $Tramp$TT$L$PI$$far 0x8101
 large 0x8109
 --- case unless that is turned off
 --- args
-a.o large.cmd gap.cmd -o out.elf --trampoline_min_spacing=0 --debug:short_calls=1284 --disable_early_consolidation
+a.o large.cmd gap.cmd -o out.elf --trampoline_min_spacing=0 --debug:xcall=1284 --disable_early_consolidation
 --- sym
 $Tramp$TT$L$PI$$far 0x8101
 large 0x850d
