@@ -4,8 +4,14 @@
 // once inlined.
 #pragma once
 
+#include <ctime>
+
 class TRACE {
   public:
+    static inline int level = 0;
+    /// When this process started.
+    static inline const std::time_t t_start = std::time(nullptr);
+
     template <class... A>
     void push(const char*, const A&...) const {}
     template <class... A>

@@ -14,11 +14,11 @@
 #include "ELFLNK/build/link_kind.h"
 #include "ELFLNK/collect/empty_specs.h"
 #include "ELFLNK/collect/spec_matcher.h"
+#include "ELFLNK/compress/compress_db.h"
+#include "ELFLNK/crc/crc_table.h"
 #include "ELFLNK/exidx/exidx.h"
 #include "ELFLNK/expr/expression.h"
 #include "ELFLNK/file/obj_file.h"
-#include "ELFLNK/compress/compress_db.h"
-#include "ELFLNK/crc/crc_table.h"
 #include "ELFLNK/locator/locator.h"
 #include "ELFLNK/object/root_collection.h"
 #include "ELFLNK/object/section.h"
@@ -227,6 +227,7 @@ void report_unspecified_sections() {
 } // namespace
 
 void collect() {
+    trace_collect.printf("\n\nCOLLECTION PHASE:\n\n");
     add_default_specs();
     // Every output section that exists takes what bears its name.
 

@@ -22,17 +22,18 @@ ROOT_COLLECTION* root_collection = new ROOT_COLLECTION;
 
 SYMBOL_TABLE global_symbols;
 
+SYMVER_TABLE symver_table;
+
 static COPY_TABLE_DB the_copy_tables;
 COPY_TABLE_DB* global_copy_table_db = &the_copy_tables;
 static COMPRESS_DB the_compressed_sections;
 COMPRESS_DB* global_compress_db = &the_compressed_sections;
+
+OUTSYM_ATTR_MANAGER outsym_attr_manager;
+
 static CRC_TABLE_DB the_crc_tables;
 CRC_TABLE_DB* global_crc_table_db = &the_crc_tables;
 
 ECC_MANAGER ecc_manager;
-
-SYMVER_TABLE symver_table;
-
-OUTSYM_ATTR_MANAGER outsym_attr_manager;
 
 option_obj* global_opts = nullptr;

@@ -52,7 +52,7 @@ void run_phases() {
 }
 
 [[noreturn]] void internal_error(const char* reason) {
-    fprintf(stderr, "\nINTERNAL ERROR: %s %s\n", arg_values[0], reason);
+    fprintf(stderr, "\nINTERNAL ERROR: %s %s\n", program_name(), reason);
     fprintf(stderr, "\n");
     print_support_message();
     fflush(nullptr);

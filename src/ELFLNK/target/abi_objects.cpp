@@ -21,6 +21,7 @@
 #include "OPTIONGEN/option_obj.h"
 #include "UTIL/narrow.h"
 #include "UTIL/savestr.h"
+#include "UTIL/trace.h"
 
 void ABI::assign_address(const char* name, int opcode, LINKER_OBJECT* object) {
     auto* value = new EXPRESSION(static_cast<EXPR_OPCODE>(opcode), &object->source_position());
@@ -246,6 +247,7 @@ void ABI::define_pprof_symbols() {
 }
 
 void model_ABI() {
+    trace_build.printf("\n\nMODEL ABI:\n\n");
     ABI* abi = Target->abi();
     abi->add_mapping_symbols_to_uninitialized_sections();
     if (is_partial_link_by_options()) return;
