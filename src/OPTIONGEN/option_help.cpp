@@ -31,14 +31,18 @@ std::string values_of(const OPTION_DEF& def) {
     return values == def.parameter ? "" : values;
 }
 
-void print_option(option_id id) {
-    constexpr int NAME_WIDTH = 20;
-    const OPTION_DEF& def = option_def(id);
-    const std::string form = option_form(id);
+constexpr int NAME_WIDTH = 20;
+
+void print_entry(const std::string& form, const char* help, const char* remark) {
     printf("  %-*s ", NAME_WIDTH, form.c_str());
     if (form.size() > size_t(NAME_WIDTH)) printf("\n%*s", NAME_WIDTH + 3, "");
-    printf("%s%s\n", def.help,
-           (def.flags & OPTION_NO_EFFECT) != 0 ? " (accepted, but without effect)" : "");
+    printf("%s%s\n", help, remark);
+}
+
+void print_option(option_id id) {
+    const OPTION_DEF& def = option_def(id);
+    print_entry(option_form(id), def.help,
+                (def.flags & OPTION_NO_EFFECT) != 0 ? " (accepted, but without effect)" : "");
     if (def.more[0] != '\0') printf("%*s%s\n", NAME_WIDTH + 3, "", def.more);
     const std::string values = values_of(def);
     if (!values.empty()) printf("%*sOne of: %s\n", NAME_WIDTH + 3, "", values.c_str());
@@ -60,6 +64,20 @@ bool matches(option_id id, const char* text) {
         if (size <= name.size() && strncasecmp(name.data(), text, size) == 0) return true;
     }
     return false;
+}
+
+/// The options beside the table that have the text; false if there is none.
+bool print_extensions(const char* text) {
+    bool any = false;
+    for (const extension_option& option : option_obj::extensions) {
+        const std::string name = std::string("--") + option.name;
+        if (strcasestr(name.c_str(), text) == nullptr && strcasestr(option.help, text) == nullptr)
+            continue;
+        print_entry(option.parameter == nullptr ? name : name + "=" + option.parameter, option.help,
+                    "");
+        any = true;
+    }
+    return any;
 }
 
 void print_all_options() {
@@ -139,7 +157,20 @@ void option_obj::display_option_help(const char* text) {
         print_option(option_id(id));
         any = true;
     }
+    if (!any) any = print_extensions(text);
     if (!any) printf(">> Help: No options match the string '%s'\n", text);
+}
+
+std::vector<std::string_view> option_obj::long_names() {
+    std::vector<std::string_view> names;
+    for (unsigned id = 0; id < OPTION_COUNT; id++) {
+        if (is_hidden(option_id(id))) continue;
+        std::string_view spelling;
+        for (unsigned form = 0; !(spelling = option_spelling(option_id(id), form)).empty(); form++)
+            if (spelling.starts_with("--")) names.push_back(spelling.substr(2));
+    }
+    for (const extension_option& extension : extensions) names.push_back(extension.name);
+    return names;
 }
 
 void option_obj::print_xml(FILE* to) {

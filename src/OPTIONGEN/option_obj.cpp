@@ -191,3 +191,31 @@ void option_obj::dump_history(FILE* to) const {
         fprintf(to, "%s %ld %s\n", internal_option_string(entry.id), entry.number,
                 entry.text != nullptr ? entry.text : "");
 }
+
+void option_obj::print(FILE* to, option_id id) const {
+    const OPTION_STATE& option = options_[id];
+    fprintf(to, "%s: state %u, seen %u, parsed %u", internal_option_string(id), option.state,
+            option.seen, option.parsed);
+    for (unsigned n = 0; n < option.args.size(); n++)
+        fprintf(to, "%s \"%s\"", n == 0 ? ", values" : ",", value_text(id, n).c_str());
+    fputc('\n', to);
+}
+
+const char* option_obj::rot13(const char* text) {
+    constexpr unsigned RESULTS = 5;
+    static std::array<std::string, RESULTS> ring;
+    static unsigned next = 0;
+    std::string result; // the text may be the oldest of the ring
+    for (; *text != '\0'; text++) {
+        const char c = *text;
+        const char first = c >= 'a' && c <= 'z' ? 'a' : c >= 'A' && c <= 'Z' ? 'A' : '\0';
+        if (first != '\0')
+            result += char(first + (c - first + 13) % 26);
+        else
+            result += c == '-' ? '%' : c == '%' ? '-' : c;
+    }
+    std::string& kept = ring[next];
+    next = (next + 1) % RESULTS;
+    kept = std::move(result);
+    return kept.c_str();
+}

@@ -43,6 +43,7 @@ struct extension_option {
     const char* name;      ///< without dashes
     const char* parameter; ///< what the parameter is called, or null for none
     void (*action)(const char* value);
+    const char* help; ///< shown where a text asked for is in no help of the table
 };
 
 class option_obj {
@@ -116,6 +117,15 @@ class option_obj {
     void add_opts_for_tool(argv_list& tool) const;
     void dump(FILE* to) const;
     void dump_history(FILE* to) const;
+    /// One option: how often it is on, was touched and was given, and its values.
+    void print(FILE* to, option_id id) const;
+
+    /// The long names that the help shows, and those of extensions.
+    static std::vector<std::string_view> long_names();
+    /// Letters turned by 13 places within their case, '-' and '%' exchanged: how texts of options
+    /// are kept from a plain search of the program. Its own inverse. The last five results stay
+    /// valid.
+    static const char* rot13(const char* text);
 
     /// All options by class, or those that have `text` in their help or begin with it. Goes to
     /// standard output.

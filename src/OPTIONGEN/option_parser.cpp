@@ -186,8 +186,9 @@ void OPTION_PARSER::apply(option_id id, unsigned char form, const option_arg* va
     else if (!keeps_all(option_def(id).kind))
         option.args.clear();
     options_.add_to_history(id);
-    if (options_.debug)
-        printf("elnk option debug: %s, state %u, %zu values\n",
-               options_.export_option(id, 0).c_str(), option.state, option.args.size());
+    if (options_.debug) {
+        printf("elnk option debug: ");
+        options_.print(stdout, id);
+    }
     if (option_obj::action != nullptr) option_obj::action(id, value);
 }

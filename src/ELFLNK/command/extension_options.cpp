@@ -26,9 +26,12 @@ void version(const char*) {
 }
 
 constexpr extension_option EXTENSIONS[] = {
-    {"target2", "abs|rel", target2},
-    {"version", nullptr, version},
-    {"dependency_file", "file", set_dependency_file},
+    {"target2", "abs|rel", target2,
+     "What relocations of type TARGET2 hold: an address (abs), or a distance (rel, as GNU's C++ "
+     "library expects)"},
+    {"version", nullptr, version, "Show the version and stop"},
+    {"dependency_file", "file", set_dependency_file,
+     "Write the files that the link reads as a rule for make"},
 };
 
 } // namespace

@@ -46,6 +46,14 @@ TEST(option_help, a_text_picks_by_name_or_by_what_the_help_says) {
     EXPECT_EQ(help_for("xyzzy"), ">> Help: No options match the string 'xyzzy'\n");
 }
 
+TEST(option_help, options_beside_the_table_show_where_the_table_has_none) {
+    static constexpr extension_option one[] = {{"qv_flux", "size", nullptr, "Flux of the stack"}};
+    option_obj::extensions = one;
+    EXPECT_EQ(help_for("flux"), "  --qv_flux=size       Flux of the stack\n");
+    EXPECT_EQ(help_for("stack").find("flux"), std::string::npos);
+    option_obj::extensions = {};
+}
+
 TEST(option_help, a_long_form_has_its_text_on_the_next_line) {
     EXPECT_EQ(help_for("--bind_now"), "  --bind_now           Have the dynamic loader resolve all "
                                       "symbols before the program starts\n");

@@ -291,8 +291,8 @@ TEST(option_table, pairs_are_those_of_a_class_and_a_kind) {
 std::string extension_value;
 constexpr extension_option two_extensions[] = {
     {"qv_extra", nullptr,
-     [](const char* value) { extension_value = value == nullptr ? "none" : "?"; }},
-    {"output_file", "file", [](const char*) { extension_value = "taken from the table"; }},
+     [](const char* value) { extension_value = value == nullptr ? "none" : "?"; }, ""},
+    {"output_file", "file", [](const char*) { extension_value = "taken from the table"; }, ""},
 };
 
 TEST(option_extension, is_asked_only_for_what_the_table_does_not_know) {
@@ -303,6 +303,28 @@ TEST(option_extension, is_asked_only_for_what_the_table_does_not_know) {
     EXPECT_TRUE(Parsed({"--output_file=a"}).accepted);
     EXPECT_EQ(extension_value, "none");
     option_obj::extensions = {};
+}
+
+TEST(option_obj, prints_each_step_and_each_option_on_demand) {
+    testing::internal::CaptureStdout();
+    option_obj options(true);
+    options.debug = true;
+    EXPECT_TRUE(options.process_option("-retain=a"));
+    EXPECT_TRUE(options.process_option("-retain=b"));
+    EXPECT_TRUE(options.process_option("a"));
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "elnk option debug: --retain: state 1, seen 1, parsed 1, values \"a\"\n"
+              "elnk option debug: --retain: state 2, seen 2, parsed 2, values \"a\", \"b\"\n"
+              "elnk option debug: --absolute_exe: state 1, seen 1, parsed 1\n");
+}
+
+TEST(option_obj, rot13_keeps_five_results) {
+    const char* results[5];
+    const char* const texts[] = {"--Help=%s", "azAZ nmNM", "", "0129_:", "be8"};
+    const char* const turned[] = {"%%Uryc=-f", "nmNM azAZ", "", "0129_:", "or8"};
+    for (int i = 0; i < 5; i++) results[i] = option_obj::rot13(texts[i]);
+    for (int i = 0; i < 5; i++) EXPECT_STREQ(results[i], turned[i]);
+    EXPECT_STREQ(option_obj::rot13(results[0]), texts[0]);
 }
 
 } // namespace
