@@ -5,6 +5,7 @@
 #include "UTIL/strformat.h"
 
 #include <cstdlib>
+#include <new>
 #include <unordered_map>
 
 bool DIAGNOSTIC::wrap_enabled_m = true;
@@ -81,7 +82,11 @@ DIAGNOSTIC::DIAGNOSTIC(DIAG_INFO* info, const char* file, unsigned line)
     : info_(info), columns_left_(diag_cols_m), file_(file), line_(line) {}
 
 DIAGNOSTIC::DIAGNOSTIC(const DIAGNOSTIC& other)
-    : info_(other.info_), columns_left_(diag_cols_m), file_(other.file_), line_(other.line_) {
+    : info_(other.info_),
+      columns_left_(diag_cols_m),
+      file_(other.file_),
+      line_(other.line_),
+      hint_(other.hint_) {
     set_src(other.src());
 }
 
@@ -236,10 +241,15 @@ void DIAGNOSTIC::show_annotated_source() const {
 int DIAGNOSTIC::sp_print(const char* format, ...) {
     va_list args;
     va_start(args, format);
-    const std::string text = vstrformat(format, args);
-    va_end(args);
-    STRING_WRAPPER wrapper(sp_buffer_);
-    return wrapper.print_formatted(text);
+    try {
+        const std::string text = vstrformat(format, args);
+        va_end(args);
+        STRING_WRAPPER wrapper(sp_buffer_);
+        return wrapper.print_formatted(text);
+    } catch (const std::bad_alloc&) {
+        std::fputs("OUT OF MEMORY - APPLICATION ABORTED\n", stderr);
+        std::exit(1);
+    }
 }
 
 DIAG_INFO* DIAGNOSTIC::get_info(int code) {

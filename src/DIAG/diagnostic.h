@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 enum dc_SEVERITY {
@@ -112,6 +113,8 @@ class DIAGNOSTIC {
     /// Copies the position; null removes it.
     void set_src(const DIAG_SRCINFO* position);
     const DIAG_SRCINFO* src() const { return src_.get(); }
+    /// What verbose mode says behind the texts of the row, for cases that the row knows nothing of.
+    void set_hint(std::string text) { hint_ = std::move(text); }
     const DIAG_INFO* info() const { return info_; }
     int code() const { return info_->code; }
     dc_SEVERITY severity() const { return info_->severity; }
@@ -141,6 +144,7 @@ class DIAGNOSTIC {
 
     /// print() for a text that is ready.
     int print_text(std::string_view text);
+    const std::string& hint() const { return hint_; }
 
   private:
     bool filtered() const;
@@ -158,5 +162,6 @@ class DIAGNOSTIC {
     unsigned line_;
     bool header_printed_ = false;
     bool wrap_ = true;
+    std::string hint_;
     std::string sp_buffer_;
 };

@@ -11,6 +11,7 @@
 #include "ELFLNK/command/option_actions.h"
 #include "ELFLNK/file/command_file.h"
 #include "ELFLNK/file/file_manager.h"
+#include "ELFLNK/file/hints.h"
 #include "ELFLNK/main/main.h"
 #include "ELFLNK/memmap/memory_map.h"
 #include "ELFLNK/object/root_collection.h"
@@ -49,12 +50,18 @@ DEFINITION split_definition(const std::string& text) {
     return {text.substr(0, at), text.substr(at + 1)};
 }
 
+void report_bad_option(const char* word) {
+    DIAG::elnk_bad_option message(__FILE__, __LINE__, word);
+    if (DIAGNOSTIC::verbose_m) message.set_hint(option_hint(word));
+    message.report();
+}
+
 void process_command_line() {
     while (const char* word = next_argv_arg()) {
         if (word[0] != '-')
             file_manager.add_file(savestr(word), nullptr, false, false);
         else if (!global_opts->process_option(word + 1))
-            DIAG_REPORT(elnk_bad_option, word);
+            report_bad_option(word);
     }
 }
 

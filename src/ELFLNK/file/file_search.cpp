@@ -3,6 +3,7 @@
 #include "ELFLNK/file/file_manager.h"
 
 #include "DIAG/elnk_msgs.h"
+#include "ELFLNK/file/hints.h"
 #include "ELFLNK/filter/filter.h"
 #include "UTIL/filename.h"
 #include "UTIL/runcmd.h"
@@ -63,11 +64,14 @@ void FILE_MANAGER::add_file(const char* name, const SOURCE_POSITION* position, b
         for (const std::string& path : paths) process_file(path.c_str(), position, in_front);
         return;
     }
-    const char* path = find_specific_file(name, search, false);
-    if (path != nullptr)
+    if (const char* path = find_specific_file(name, search, false)) {
         process_file(path, position, in_front);
-    else
-        DIAG_REPORT_AT(position, elnk_nofile, name);
+        return;
+    }
+    DIAG::elnk_nofile missing(__FILE__, __LINE__, name);
+    missing.set_src(position);
+    if (DIAGNOSTIC::verbose_m) missing.set_hint(file_hint(name, search, position != nullptr));
+    missing.report();
 }
 
 /// The path if there is such a file, as it stands or with the default extension.

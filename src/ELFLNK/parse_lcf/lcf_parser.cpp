@@ -6,6 +6,7 @@
 #include "ELFLNK/expr/expression.h"
 #include "ELFLNK/file/command_file.h"
 #include "ELFLNK/file/file_manager.h"
+#include "ELFLNK/file/hints.h"
 #include "ELFLNK/object/root_collection.h"
 #include "ELFLNK/parse_lcf/lcf_cpp_source.h"
 #include "ELFLNK/parse_lcf/lcf_errors.h"
@@ -93,7 +94,11 @@ void LCF_PARSER::option() {
     latch_ = false;
     lex_option();
     const char* word = savestr(text());
-    if (!process_option(word)) LCF_ERROR(elnk_syn_bad_option_lcf, word);
+    if (!process_option(word)) {
+        DIAG::elnk_syn_bad_option_lcf message(__FILE__, __LINE__, word);
+        if (DIAGNOSTIC::verbose_m) message.set_hint(option_hint(word));
+        syntax_error(message);
+    }
     lex();
 }
 
