@@ -60,8 +60,12 @@ void SYMBOL_TABLE::link_def(OF_SYMBOL* sym) {
         return;
     }
     OF_SYMBOL* winner = check_redefinition(existing, sym);
+    OF_SYMBOL* loser = winner == sym ? existing : sym;
     records_[id].def = winner;
-    (winner == sym ? existing : sym)->set_resolved_by(winner);
+    loser->set_resolved_by(winner);
+    // The value of a common symbol is its alignment, and each file may count on the one it gave.
+    if (is_common(winner) && is_common(loser) && loser->value() > winner->value())
+        winner->set_value(loser->value());
 }
 
 OF_SYMBOL* SYMBOL_TABLE::check_redefinition(OF_SYMBOL* E, OF_SYMBOL* N) {

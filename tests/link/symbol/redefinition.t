@@ -26,6 +26,26 @@ x:  .word 0x44444444
     .comm x, 4, 4
 --- common8.s
     .comm x, 8, 4
+--- common4by16.s
+    .comm x, 4, 16
+--- ctor.inc
+    .global _ZN1AC2Ev, _ZGVZ1fvE1x
+    .section .text.ctor, "ax"
+_ZN1AC2Ev: .word VALUE
+    .section .data.guard, "aw"
+_ZGVZ1fvE1x: .word VALUE
+--- ctor1.s -Wa,--defsym,VALUE=1
+    .include "ctor.inc"
+--- ctor2.s -Wa,--defsym,VALUE=2
+    .include "ctor.inc"
+--- complete.inc
+    .global _ZN1AC1Ev
+    .data
+_ZN1AC1Ev: .word VALUE
+--- complete1.s -Wa,--defsym,VALUE=1
+    .include "complete.inc"
+--- complete2.s -Wa,--defsym,VALUE=2
+    .include "complete.inc"
 --- abs5.s
     .global x
     x = 5
@@ -87,6 +107,16 @@ main.o common4.o common8.o ok.cmd -o out.elf
 main.o common8.o common4.o ok.cmd -o out.elf
 --- section
 .bss 0x1000 8
+--- case commons of different alignment: what stays satisfies both, whichever it is
+--- args
+main.o common4by16.o common8.o ok.cmd -o out.elf
+--- readelf -SW
+.bss NOBITS 00001000 000040 000008 00 WA 0 0 16
+--- case the other way round
+--- args
+main.o common8.o common4by16.o ok.cmd -o out.elf
+--- readelf -SW
+.bss NOBITS 00001000 000040 000008 00 WA 0 0 16
 --- case a weak definition gives way to a common
 --- args
 main.o weak1.o common4.o ok.cmd -o out.elf
@@ -123,3 +153,17 @@ main.o define.cmd abs5.o ok.cmd -o out.elf
 "define.cmd", line 1: warning: symbol "x" from file "abs5.o" being redefined
 --- sym
 x 0x77
+--- case constructors of subobjects and guards of static variables may be there twice: the first stays
+--- args
+main.o weak1.o ctor1.o ctor2.o ok.cmd -o out.elf -u _ZN1AC2Ev -u _ZGVZ1fvE1x
+--- bytes .text
+7047 0a100000 01000000
+--- readelf -sW
+_ZGVZ1fvE1x
+--- case constructors of complete objects may not
+--- args
+main.o weak1.o complete1.o complete2.o ok.cmd -o out.elf
+--- exit
+1
+--- stderr has
+error: symbol "A::A()" redefined: first defined in "complete1.o"; redefined in
