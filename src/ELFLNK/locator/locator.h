@@ -176,10 +176,11 @@ class LOCATOR : public OALLOC<LOCATOR> {
     /// The same, to be changed.
     LOCATOR_LIST& edit_sub_items() {
         if (sub_items_unsorted_) sort_late_sub_items();
-        return own_more().sub_items;
+        ++own_more().sub_item_edits;
+        return more_->sub_items;
     }
     void drop_sub_items() {
-        if (more_ != nullptr) more_->sub_items.clear();
+        if (more_ != nullptr) edit_sub_items().clear();
     }
     const LOCATOR_LIST& pending_items() const { return more().pending_items; }
 
@@ -325,6 +326,10 @@ class LOCATOR : public OALLOC<LOCATOR> {
     void reset_placement();
 
   private:
+    struct UNPLACED {
+        LOCATOR* item;
+        uint64_t least; ///< room that it needs; 0 where it must be asked
+    };
     /// What a plain member of an output section doesn't have.
     struct MORE {
         const SOURCE_POSITION* position = nullptr;
@@ -338,6 +343,10 @@ class LOCATOR : public OALLOC<LOCATOR> {
         uint64_t available_space = 0;
         LOCATOR_LIST sub_items;
         LOCATOR_LIST pending_items;
+        uint32_t sub_item_edits = 0;
+        /// Of a split: the sub-items that had no place when it was last asked, and when that was.
+        std::vector<UNPLACED> unplaced;
+        uint32_t unplaced_as_of = 0;
     };
     const MORE& more() const { return more_ != nullptr ? *more_ : NOTHING_MORE; }
     MORE& own_more() {
@@ -366,6 +375,7 @@ class LOCATOR : public OALLOC<LOCATOR> {
     bool settle_start(MEMORY_RANGE* trial);
     void commit_final();
     void update_range(MEMORY_RANGE* range);
+    bool has_range_of_its_own() const;
     void forget_placement();
     void detach_call_sites();
     void drop_trampolines();
@@ -380,6 +390,7 @@ class LOCATOR : public OALLOC<LOCATOR> {
     bool place_member(LOCATOR* sub, MEMORY_RANGE* trial, uint64_t& cursor);
     bool place_members(MEMORY_RANGE* trial);
     bool place_split_members(MEMORY_RANGE* trial);
+    std::vector<UNPLACED> take_unplaced();
     void coalesce_item(LOCATOR* item);
     void bind_pad(LINKER_OBJECT* member, LOCATOR* run);
 

@@ -279,7 +279,8 @@ bool LOCATOR::fit_into_subrange(MEMORY_RANGE* trial) {
 
 void LOCATOR::update_range(MEMORY_RANGE* range) {
     range_ = range;
-    for (LOCATOR* sub : sub_items()) sub->update_range(range);
+    for (LOCATOR* sub : sub_items())
+        if (!stands_aside(sub) || !sub->has_range_of_its_own()) sub->update_range(range);
     for (LOCATOR* item : pending_items())
         if (item->is_placed()) item->update_range(range);
 }
@@ -302,10 +303,22 @@ void LOCATOR::commit_final() {
     object_->update_upon_placement();
 }
 
-/// The flags and the range of what lies below, without a word to the range.
+/// Is this alone in a virtual range?
+bool LOCATOR::has_range_of_its_own() const {
+    return is_virtual() && range_ != nullptr && range_->parent() == nullptr &&
+           range_->is_hidden() && !range_->is_temp_layout();
+}
+
+/// The flags and the range of what lies below, without a word to the range. What stands aside may
+/// be put elsewhere by the next attempt.
 void LOCATOR::forget_placement() {
+    if (has_range_of_its_own()) {
+        range_->remove_item(this, false);
+        attempts_ = 0;
+    }
     range_ = nullptr;
     clear_flag(LF_PLACED | LF_COMPLETE);
+    if (more_ != nullptr) more_->unplaced.clear();
     for (LOCATOR* sub : sub_items()) sub->forget_placement();
     if (is_run_or_both()) {
         clear_pending_items();

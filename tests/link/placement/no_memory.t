@@ -74,3 +74,24 @@ a.o link.cmd -o out.elf
 --- stderr
 "link.cmd", line 7: warning: LOAD placement ignored for ".bss":  object is
    uninitialized
+--- case it follows its group from a hole that was too small
+--- odd.s
+    .section .text.f, "ax"
+    .balign 16
+    .space 0x10
+--- link.cmd
+--entry_point=_start
+--unused_section_elimination=off
+MEMORY { A : origin = 0x100, length = 0x28  ROM : origin = 0x1000, length = 0x30, fill = 0xAA  RAM : origin = 0x8000, length = 0x40 }
+SECTIONS
+{
+  .c : { *(.text.c) } > 0x100
+  .bss : { *(.bss*) } > RAM
+  GROUP : > A | ROM { .a : { *(.text.a) }  .b : { *(.text.b) } type = COPY  .f : { *(.text.f) } }
+}
+--- args
+a.o odd.o link.cmd -o out.elf
+--- section
+.a 0x1000 8
+.b 0x1008 0x30
+.f 0x1010 0x10
