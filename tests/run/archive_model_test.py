@@ -2,10 +2,11 @@
 """Which members a link pulls, and in which order, against the plain rule.
 
 Archives, groups and objects are made at random: names are defined in several places, members ask for each other, some
-only weakly, some archives are named twice, some links read all archives again. The rule says that an archive is walked
-over its directory until a walk loads nothing, a group until none of its archives loads anything. The linker looks only
-at names that came to be needed; the local symbols of the output, which stand in the order of files, show whether it
-loaded the same members in the same order. `--cases` and `--seed` say how many links and which.
+only weakly, some archives are named twice, some names are mapped to others, wanted by the command line or retained, some
+links read all archives again or go by the priority of archives. The rule says that an archive is walked over its
+directory until a walk loads nothing, a group until none of its archives loads anything. The linker looks only at names
+that came to be needed; the local symbols of the output, which stand in the order of files, show whether it loaded the
+same members in the same order. `--cases` and `--seed` say how many links and which.
 """
 import argparse
 import random
@@ -65,28 +66,92 @@ def archive(members):
     return out, directory
 
 
+class Options:
+    """What the command line says beside the files: names that are mapped, wanted and retained, and the order."""
+
+    def __init__(self, rng, names, archives):
+        def some(most):
+            return rng.sample(names, rng.choice([0, 0, rng.randrange(most + 1)]))
+        self.maps = dict(zip(some(2), rng.sample(names, 2)))
+        self.maps = {ref: name for ref, name in self.maps.items() if ref != name}
+        self.wanted, self.retained = some(2), some(2)
+        self.members = [(a, rng.randrange(len(archives[a][0]))) for a in range(len(archives)) if rng.random() < 0.15]
+        self.order = rng.choice([None, None, "--reread_libs", "--priority"])
+
+    def arguments(self):
+        return ([f"--symbol_map={ref}={name}" for ref, name in self.maps.items()] +
+                [f"--undef_sym={name}" for name in self.wanted] + [f"--retain={name}" for name in self.retained] +
+                [f"--retain=lib{a}.a<m{i}.o>" for a, i in self.members] + ([self.order] if self.order else []))
+
+
 class Model:
     """The rule, taken at its word."""
 
-    def __init__(self):
-        self.defined, self.wanted, self.loaded = set(), set(), []
+    def __init__(self, options, archives):
+        self.options, self.archives = options, archives
+        self.defined, self.loaded = set(), []
+        self.undefined = dict.fromkeys(options.wanted, "name")  # a name, or by a weak or strong symbol
 
     def load(self, member):
         self.loaded.append(member.id)
-        self.defined.update([member.id, *member.defs])
-        self.wanted.update(member.strong)
+        for name in [member.id, *member.defs]:
+            if name in self.options.retained and name not in self.defined:
+                self.undefined[name] = "weak"
+            self.defined.add(name)
+            for ref in [ref for ref in self.undefined if self.served_by(ref) == name]:
+                del self.undefined[ref]
+        for kind, names in (("strong", member.strong), ("weak", member.weak)):
+            for name in names:
+                if self.served_by(name) not in self.defined and (
+                        name in self.options.retained or self.undefined.get(name, "name") != "strong"):
+                    self.undefined[name] = kind
+
+    def served_by(self, name):
+        """The name that a reference to this one stands for, once an object has started the link."""
+        return self.options.maps.get(name, name) if self.loaded else name
+
+    def needs(self, name):
+        return name not in self.defined and (name in self.options.retained or any(
+            self.served_by(ref) == name for ref, kind in self.undefined.items() if kind != "weak"))
+
+    def load_retained(self, members):
+        loaded = False
+        for a, i in sorted(self.options.members):
+            member = self.archives[a][0][i]
+            if self.archives[a][0] is members and member.id not in self.loaded:
+                self.load(member)
+                loaded = True
+        return loaded
 
     def walk(self, members, directory):
-        any_loaded = False
+        any_loaded = self.load_retained(members)
         while True:
             loaded = False
             for name, i in directory:
-                if name in self.wanted and name not in self.defined:
+                if self.needs(name):
                     self.load(members[i])
                     loaded = True
             any_loaded |= loaded
             if not loaded:
                 return any_loaded
+
+    def by_priority(self, archives):
+        """Each name is served by the first archive that has it, always the first needed name by name."""
+        table = {}
+        for members, directory in archives:
+            for name, i in directory:
+                table.setdefault(name, members[i])
+        for members, _ in archives:
+            self.load_retained(members)
+        for name in sorted(table):
+            if name in self.options.retained and name not in self.defined:
+                self.load(table[name])
+        while True:
+            served = [name for ref in sorted(self.undefined)
+                      if self.undefined[ref] != "weak" and (name := self.served_by(ref)) in table]
+            if not served:
+                return
+            self.load(table[served[0]])
 
     def group(self, items):
         any_loaded = False
@@ -102,13 +167,18 @@ class Model:
             return self.walk(*what)
         return self.group(what) if kind == "group" else False
 
-    def run(self, items, reread):
+    def run(self, items):
+        is_priority, archives = self.options.order == "--priority", []
         for item in items:
             if item[0] == "object":
                 self.load(item[1])
+            elif is_priority:
+                archives += [a for _, a in item[1]] if item[0] == "group" else [item[1]]
             else:
                 self.item(item)
-        if reread:
+        if is_priority:
+            self.by_priority(archives)
+        if self.options.order == "--reread_libs":
             self.group(items)
         # Objects are files of the link from when they are named.
         objects = [what.id for kind, what in items if kind == "object"]
@@ -140,7 +210,7 @@ def make_case(rng):
         else:
             items.append((kind, [("archive", a) for a in rng.sample(archives, rng.randrange(1, len(archives) + 1))]))
     items.insert(rng.randrange(len(items) + 1), ("object", member([])))
-    return items, archives, rng.random() < 0.3
+    return items, archives, Options(rng, names, archives)
 
 
 def write_case(items, archives, folder):
@@ -161,15 +231,15 @@ def write_case(items, archives, folder):
 
 
 def run_case(qvlink, number, seed, work):
-    items, archives, reread = make_case(random.Random(f"{seed}:{number}"))
+    items, archives, options = make_case(random.Random(f"{seed}:{number}"))
     folder = work / str(number)
     folder.mkdir(parents=True, exist_ok=True)
     (folder / "link.cmd").write_text(COMMANDS)
-    args = write_case(items, archives, folder) + (["--reread_libs"] if reread else [])
+    args = write_case(items, archives, folder) + options.arguments()
     argv = [qvlink, *args, "link.cmd", "-o", "out.elf", "--unused_section_elimination=off", "--no_warnings",
             "--diag_warning=10239", "--no_entry_point"]
     done = subprocess.run(argv, cwd=folder, capture_output=True, text=True)
-    expected = Model().run(items, reread)
+    expected = Model(options, archives).run(items)
     if done.returncode:
         return f"case {number}: {' '.join(argv)} in {folder}: status {done.returncode}\n{done.stderr}"
     found = [s.name[6:] for s in Elf(folder / "out.elf").symbols if s.name.startswith("local_")]
