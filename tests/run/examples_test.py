@@ -1,68 +1,19 @@
 #!/usr/bin/env python3
 """Every example, linked by qvlink and, with the same layout, by GNU ld: both programs run in QEMU and print the same.
 
-The output of qvlink is also read by readelf and eu-elflint, which must have nothing to say, and two links of the same
-inputs in different folders must be equal byte for byte.
+The output of qvlink is also read by tools that know ELF and by a debugger (elf_check.py), which must have nothing to say,
+and two links of the same inputs in different folders must be equal byte for byte.
 """
 import argparse
 import re
-import subprocess
 import sys
 from pathlib import Path
 
 HERE = Path(__file__).resolve().parent
 sys.path[:0] = [str(HERE.parents[1] / "examples"), str(HERE.parent / "support")]
+import elf_check  # noqa: E402
 import run  # noqa: E402
 from elf import Elf  # noqa: E402
-
-
-# What eu-elflint says of every program, and why that stays.
-TOLERATED = (
-    # String tables carry SHF_STRINGS in this linker's files, as their type already says.
-    r"'\.(sh)?strtab' has wrong flags",
-    # A symbol for the load address of a section belongs to that section and lies outside of its run addresses.
-    r"symbol \d+ \(__\w+_load\): st_value out of bounds",
-    # Output sections with contents are PROGBITS, whatever their inputs were.
-    r"'\.init_array' has wrong type: expected INIT_ARRAY, is PROGBITS",
-    r"'\.ARM\.exidx' has wrong type",
-    # What is stored encoded has no contents where it runs: start-up puts them there.
-    r"'\.data' has wrong type: expected PROGBITS, is NOBITS",
-    r"has unexpected type 8 for an executable section",
-    r"is executable but contains no executable sections",
-    # A piece that is swapped in as a whole may have code and variables.
-    r"'\.squares' is both executable and writable",
-    # Sections without contents that follow each other have one file offset, which is taken for the segment before.
-    r"not fully contained in segment of program header",
-    r"is writable but contains no writable sections",
-)
-
-
-def check_file(elf):
-    """Tools that were written by others accept the file."""
-    text = run.run(["arm-none-eabi-readelf", "-a", "-W", elf])
-    bad = [line for line in text.splitlines() if "arning" in line or "rror" in line.replace("error", "")]
-    if bad:
-        raise run.Failed(f"readelf has something to say of {elf}:\n" + "\n".join(bad))
-    text = run.run(["llvm-readelf", "-a", elf])
-    if "warning:" in text or "error:" in text:
-        raise run.Failed(f"llvm-readelf on {elf}:\n{text}")
-    said = subprocess.run(["eu-elflint", "--gnu-ld", elf], stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
-    faults = [line for line in said.stdout.decode().splitlines()
-              if line.strip() and line != "No errors" and not any(re.search(t, line) for t in TOLERATED)]
-    if faults:
-        raise run.Failed(f"eu-elflint on {elf}:\n" + "\n".join(faults))
-
-
-def check_debugger(elf):
-    """gdb finds the functions of the program where they are, with their lines."""
-    functions = {s.name: s.value & ~1 for s in Elf(elf).symbols
-                 if s.type == "FUNC" and s.bind == "GLOBAL" and s.name in ("main", "start")}
-    asked = [f"-ex=info {what}" for name in functions for what in (f"line {name}", f"functions ^{name}")]
-    text = run.run(["gdb-multiarch", "-batch", "-nx", *asked, elf])
-    at = {m[2]: int(m[1], 16) for m in re.finditer(r"Line \d+ of \"[^\"]*\"\s+starts at address (0x\w+) <(\w+)[(>]", text)}
-    listed = {m[1] or m[2] for m in re.finditer(r"^\d+:.*?\b(\w+)\(.*\);$|^0x\w+  (\w+)$", text, re.M)}
-    if not at or any(functions[name] != place for name, place in at.items()) or not listed & functions.keys():
-        raise run.Failed(f"gdb reads {elf} otherwise than it is, {functions}:\n{text}")
 
 
 def check_image(elf):
@@ -137,9 +88,10 @@ def main():
             printed = run.run_program(name, elf)
             if printed != expected:
                 raise run.Failed(f"printed\n{printed}--- expected\n{expected}")
-            check_file(elf)
+            found = elf_check.complaints([elf])
+            if found:
+                raise run.Failed("\n".join(found))
             check_image(elf)
-            check_debugger(elf)
             check_stubs(name, elf)
             if name == "crc":
                 check_that_changes_show(elf)
