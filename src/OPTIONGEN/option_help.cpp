@@ -41,8 +41,10 @@ void print_entry(const std::string& form, const char* help, const char* remark) 
 
 void print_option(option_id id) {
     const OPTION_DEF& def = option_def(id);
-    print_entry(option_form(id), def.help,
-                (def.flags & OPTION_NO_EFFECT) != 0 ? " (accepted, but without effect)" : "");
+    const char* remark = (def.flags & OPTION_NO_EFFECT) != 0 ? " (accepted, but without effect)"
+                         : (def.flags & OPTION_PENDING) != 0 ? " (accepted; not built yet)"
+                                                             : "";
+    print_entry(option_form(id), def.help, remark);
     if (def.more[0] != '\0') printf("%*s%s\n", NAME_WIDTH + 3, "", def.more);
     const std::string values = values_of(def);
     if (!values.empty()) printf("%*sOne of: %s\n", NAME_WIDTH + 3, "", values.c_str());
@@ -128,7 +130,7 @@ void print_xml_option(FILE* to, option_id id) {
     const OPTION_DEF& def = option_def(id);
     xml_line(to, 1, "<OPTION NAME=\"%s\" CLASS=\"%s\" HIDDEN=\"%s\" EFFECT=\"%s\">",
              xml_escape(option_spelling(id, 0)).c_str(), option_class_title(def.cls),
-             yes_no(is_hidden(id)), yes_no((def.flags & OPTION_NO_EFFECT) == 0));
+             yes_no(is_hidden(id)), yes_no((def.flags & (OPTION_NO_EFFECT | OPTION_PENDING)) == 0));
     std::string_view spelling;
     for (unsigned form = 0; !(spelling = option_spelling(id, form)).empty(); form++)
         xml_line(to, 2, "<SPELLING>%s</SPELLING>", xml_escape(spelling).c_str());

@@ -36,6 +36,7 @@ constexpr std::span<const OPTION_ITEM> item_list(std::string_view list) {
 constexpr unsigned INTERNAL = OPTION_INTERNAL;
 constexpr unsigned PERSISTENT = OPTION_PERSISTENT;
 constexpr unsigned NO_EFFECT = OPTION_NO_EFFECT;
+constexpr unsigned PENDING = OPTION_PENDING;
 
 constexpr OPTION_DEF option_definitions[] = {
 #define OPTION(id, spellings, parm, kind, list, deflt, cls, flags, sort, help, more)               \

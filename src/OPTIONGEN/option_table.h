@@ -18,6 +18,7 @@ struct OPTION_ITEM {
 constexpr unsigned OPTION_INTERNAL = 1;
 constexpr unsigned OPTION_PERSISTENT = 2;
 constexpr unsigned OPTION_NO_EFFECT = 4;
+constexpr unsigned OPTION_PENDING = 8;
 
 /// One option.
 struct OPTION_DEF {

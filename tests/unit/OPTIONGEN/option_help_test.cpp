@@ -55,10 +55,10 @@ TEST(option_help, options_beside_the_table_show_where_the_table_has_none) {
 }
 
 TEST(option_help, a_long_form_has_its_text_on_the_next_line) {
-    EXPECT_EQ(help_for("--bind_now"), "  --bind_now           Have the dynamic loader resolve all "
-                                      "symbols before the program starts\n");
-    EXPECT_EQ(help_for("--soname"),
-              "  --soname=soname      Name by which programs ask for a dynamic library\n");
+    EXPECT_EQ(help_for("--no_entry_point"),
+              "  --no_entry_point     The program has no entry point\n");
+    EXPECT_EQ(help_for("--undefine"),
+              "  --undefine=name      Undefine a macro for the command files that follow\n");
     EXPECT_EQ(help_for("--map_file"),
               "  --map_file=file, -m  Write a map of the memory, sections and symbols to <file>\n");
     EXPECT_EQ(help_for("--undef_sym"),
