@@ -395,3 +395,8 @@ void COMPRESS_DB::generate_map_file() {
     if (!global_copy_table_db->disable_table_support() && handler_table_ != nullptr)
         handler_table_->generate_map_file();
 }
+
+void COMPRESS_DB::generate_xml_info() {
+    if (!global_copy_table_db->disable_table_support() && handler_table_ != nullptr)
+        handler_table_->generate_xml_info();
+}

@@ -76,6 +76,7 @@ class COMPRESS_DB {
     /// All records of zero-initialised sections become runs where run-length encoding is in use.
     void specialize_compressions();
     void generate_map_file();
+    void generate_xml_info();
     const HANDLER_TABLE* handler_table() const { return handler_table_; }
 
   private:

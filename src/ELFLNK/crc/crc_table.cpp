@@ -7,6 +7,7 @@
 #include "ELFLNK/crc/crcgen.h"
 #include "ELFLNK/object/root_collection.h"
 #include "ELFLNK/target/target.h"
+#include "ELFLNK/xmlinfo/xml_info.h"
 #include "OBJEDIT04/ofe/of_section.h"
 #include "OPTIONGEN/register_option.h"
 #include "UTIL/data_map.h"
@@ -102,7 +103,30 @@ void CRC_RECORD::write_record(DATA_MAP& data) {
     write_crc_record(data);
 }
 
+void CRC_RECORD::generate_xml_info() {
+    write_xml_tag_begin(XML_crc_rec);
+    write_xml_string(XML_crc_rec_name, outsect()->name());
+    write_xml_string(XML_alg_name, CRCGEN::find_crc_name(static_cast<unsigned>(kind())));
+    write_xml_int(XML_alg_id, static_cast<uint64_t>(kind()));
+    write_xml_int(XML_load_address, source_addr());
+    write_xml_int(XML_crc_rec_load_size, load_size());
+    write_xml_int(XML_crc_value, crc());
+    write_xml_tag_end(XML_crc_rec);
+}
+
 // ---- tables --------------------------------------------------------------------------------
+
+XML_TAG_ID CRC_TABLE::table_xml_tag() const {
+    return XML_crc_table;
+}
+
+XML_TAG_ID CRC_TABLE::table_name_xml_tag() const {
+    return XML_crc_table_name;
+}
+
+XML_TAG_ID CRC_TABLE_DB::table_xml_tag() const {
+    return XML_crc_table_list;
+}
 
 const char* CRC_TABLE::linker_defined_table_name() const {
     return savestrf("__QV_CRC_%s", user_name());

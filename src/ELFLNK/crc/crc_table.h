@@ -14,6 +14,7 @@ class CRC_RECORD : public LOAD_DATA_RECORD {
                                                  const SOURCE_POSITION* pos) const override {
         return new_CRC_RECORD(outsect, kind, pos);
     }
+    void generate_xml_info() override;
     virtual void compute_crc();
     virtual void write_crc_record(DATA_MAP& data) = 0;
     virtual std::unique_ptr<CRC_RECORD> new_CRC_RECORD(COLLECTION* outsect, short kind,
@@ -40,6 +41,8 @@ class CRC_TABLE : public LOAD_DATA_TABLE {
     void add_a_new_record(COLLECTION* outsect, short kind, const SOURCE_POSITION* pos) override;
     void remove_record(const COLLECTION* outsect) override { take_record(outsect); }
     const char* table_type_string() const override { return "CRC"; }
+    XML_TAG_ID table_xml_tag() const override;
+    XML_TAG_ID table_name_xml_tag() const override;
     virtual std::unique_ptr<CRC_RECORD> new_CRC_RECORD(COLLECTION* outsect, short kind,
                                                        const SOURCE_POSITION* pos) const = 0;
 };
@@ -55,6 +58,7 @@ class CRC_TABLE_DB : public LOAD_DATA_TABLE_DB {
     bool disable_table_support() const override;
     const char* table_type_string() const override { return "CRC"; }
     const char* table_type_string_upper() const override { return "CRC"; }
+    XML_TAG_ID table_xml_tag() const override;
     bool has_table_section(const COLLECTION* collection) const override;
     bool contains_table(const LINKER_OBJECT* object) const override;
     LOAD_DATA_TABLE_SPECS* table_specs(const COLLECTION* collection) const override;

@@ -41,5 +41,7 @@ const char* version_number(); ///< "1.2.3", or "1.2.3.4"
 const char* version_short();  ///< "v1.2.3"
 const char* version_full();   ///< version_short() with its qualifier
 const char* isa_tool_and_version_short();
+const char* isa_tool_and_version_full();
+const char* copyright_full(); ///< the notice
 void print_tool_and_version(FILE* to);
 void print_banner(FILE* to);

@@ -61,6 +61,14 @@ const char* isa_tool_and_version_short() {
     return savestrf("%s %s %s %s", isa_name(), tool_name(), "Unix", version_short());
 }
 
+const char* isa_tool_and_version_full() {
+    return savestrf("%s %s %s %s", isa_name(), tool_name(), "Unix", version_full());
+}
+
+const char* copyright_full() {
+    return COPYRIGHT;
+}
+
 void print_tool_and_version(FILE* to) {
     constexpr int WIDTH = 40;
     fprintf(to, "%-*.*s%s\n", WIDTH, WIDTH, isa_and_tool_name(), version_full());

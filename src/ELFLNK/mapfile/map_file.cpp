@@ -2,14 +2,11 @@
 #include "ELFLNK/mapfile/map_file.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdarg>
 #include <cstring>
 #include <ctime>
 
 #include "DIAG/elnk_msgs.h"
-#include "DIAG/gen_msgs.h"
-#include "DIAG/user_msg_api.h"
 #include "ELFLNK/build/build.h"
 #include "ELFLNK/compress/compress_db.h"
 #include "ELFLNK/crc/crc_table.h"
@@ -21,6 +18,7 @@
 #include "ELFLNK/symbol/symbol_table.h"
 #include "ELFLNK/table/copy_table_db.h"
 #include "ELFLNK/target/target.h"
+#include "ELFLNK/write/report_file.h"
 #include "OBJEDIT04/ofe/object_file.h"
 #include "OBJEDIT04/ofe/of_symbol.h"
 #include "OPTIONGEN/option_obj.h"
@@ -199,14 +197,8 @@ void generate_map_file() {
         {"trampolines", map_far_calls},
     };
     const char* name = global_opts->getstrarg(OPT_map_file);
-    FHM_FILE* file = fhm_stdout();
-    if (name != nullptr && name[0] != '\0') {
-        file = fhm_open(name, "w");
-        if (file == nullptr) {
-            DIAG_REPORT(gen_bad_file_open, name, strerror(errno));
-            return;
-        }
-    }
+    FHM_FILE* file = open_report(name);
+    if (file == nullptr) return;
     take_contents_option();
     clear_map_text();
     map_banner();
@@ -216,9 +208,5 @@ void generate_map_file() {
     map_global_symbols();
     if (mdisp_flags().is_on("sym_defs")) map_symbol_definitions();
     bool written = fwrite(buffer().data(), 1, buffer().size(), file->fp()) == buffer().size();
-    if (!written || fflush(file->fp()) != 0)
-        USER_MSG::get_umsg_obj()->error("cannot write the map to \"%s\":  %s",
-                                        file == fhm_stdout() ? "standard output" : name,
-                                        strerror(errno));
-    fhm_close(file);
+    close_report(file, written, "map");
 }

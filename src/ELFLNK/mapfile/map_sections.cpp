@@ -2,6 +2,8 @@
 // of: members, and the holes between them.
 #include <algorithm>
 #include <cstring>
+#include <tuple>
+#include <vector>
 
 #include "ELFLNK/build/build.h"
 #include "ELFLNK/compress/compressed_section.h"
@@ -26,17 +28,6 @@ LOCATOR* shown_locator(const LINKER_OBJECT* object) {
     return load != nullptr && load->is_placed() ? load : object->run_locator();
 }
 
-// The object found no room, by itself or with the GROUP or UNION that it was in: what is allocated
-// and yet stands in no real memory was put there after a failure.
-bool failed_to_allocate(const LINKER_OBJECT* object) {
-    for (const LOCATOR* locator : {object->run_locator(), object->load_locator()}) {
-        if (locator == nullptr) continue;
-        if (locator->placement_failed()) return true;
-        if (locator->is_virtual() && object->has_attr(PA_ALLOCATED)) return true;
-    }
-    return false;
-}
-
 bool is_shown(const LINKER_OBJECT* object) {
     bool init_table = strcmp(object->name(), Target->abi()->cinit_section_name()) == 0 ||
                       strcmp(object->name(), Target->abi()->pinit_section_name()) == 0;
@@ -44,6 +35,23 @@ bool is_shown(const LINKER_OBJECT* object) {
                      (object->has_attr(PA_PMDATA) || !object->has_attr(PA_COPY | PA_DSECT));
     if (no_memory && !init_table) return false;
     return !object->has_attr(PA_PMDATA) && object->run_locator() != nullptr;
+}
+
+// The objects that have an address for certain by page, address and age; behind them the others by
+// age.
+template <typename HAS_ADDRESS>
+void sort_by_load_address(std::vector<LINKER_OBJECT*>& objects, HAS_ADDRESS has_address) {
+    using KEY = std::tuple<bool, int, uint64_t, uint32_t>;
+    std::vector<std::pair<KEY, LINKER_OBJECT*>> keyed;
+    keyed.reserve(objects.size());
+    for (LINKER_OBJECT* object : objects)
+        keyed.emplace_back(has_address(object) ? KEY(false, object->load_page(),
+                                                     object->load_address(), object->id())
+                                               : KEY(true, 0, 0, object->id()),
+                           object);
+    std::sort(keyed.begin(), keyed.end());
+    std::transform(keyed.begin(), keyed.end(), objects.begin(),
+                   [](const auto& entry) { return entry.second; });
 }
 
 // Prints the members of one output section.
@@ -58,7 +66,7 @@ class MEMBER_PRINTER {
             collection->flatten(members);
         else
             members.push_back(object_);
-        std::stable_sort(members.begin(), members.end(), LINKER_OBJECT::less_than_load_address);
+        sort_by_load_address(members, [](LINKER_OBJECT* m) { return m->is_placed(); });
         for (LINKER_OBJECT* member : members)
             if (!member->is_collection() && member->size() != 0) print_member(member);
         flush_hole();
@@ -128,8 +136,7 @@ class MEMBER_PRINTER {
             return;
         }
         origin_.print(section->orig_infile());
-        mprintf("(%s)", section->object_file() != nullptr ? section->original_section_name()
-                                                          : section->name());
+        mprintf("(%s)", section->input_name());
     }
 
     LINKER_OBJECT* object_;
@@ -163,7 +170,9 @@ void map_section_allocation() {
     Target->generate_map_scn_alloc_header();
     const auto& outsects = root_collection->outsects();
     std::vector<LINKER_OBJECT*> objects(outsects.begin(), outsects.end());
-    std::stable_sort(objects.begin(), objects.end(), LINKER_OBJECT::less_than_load_address);
+    sort_by_load_address(objects, [](LINKER_OBJECT* object) {
+        return object->is_placed() && object->has_attr(PA_ALLOCATED);
+    });
     for (LINKER_OBJECT* object : objects)
         if (is_shown(object) && Target->map_scn_alloc_output_section(object))
             MEMBER_PRINTER(object).print();
@@ -185,7 +194,7 @@ bool TARGET::map_scn_alloc_output_section(LINKER_OBJECT* object) {
     mprintf("  %-2d   %08lx    %08lx     ", shown->effective_page(),
             static_cast<unsigned long>(shown->address()),
             static_cast<unsigned long>(object->size()));
-    if (failed_to_allocate(object)) {
+    if (object->failed_to_allocate()) {
         mputs("FAILED TO ALLOCATE\n");
         return false;
     }

@@ -3,35 +3,13 @@
 
 #include "ELFLNK/mapfile/map_file.h"
 #include "ELFLNK/mapfile/map_origin.h"
-#include "ELFLNK/object/root_collection.h"
+#include "ELFLNK/object/section.h"
 #include "ELFLNK/trampoline/call_site.h"
 #include "ELFLNK/trampoline/callee.h"
 #include "ELFLNK/trampoline/jump_ent.h"
 #include "OBJEDIT04/ofe/of_symbol.h"
 
 namespace {
-
-std::vector<JUMP_ENT*> entries_of(int kind) {
-    std::vector<LINKER_OBJECT*> all;
-    root_collection->flatten(all, &LINKER_OBJECT::is_jump_ent);
-    std::vector<JUMP_ENT*> list;
-    for (LINKER_OBJECT* object : all) {
-        auto* entry = static_cast<JUMP_ENT*>(object);
-        if (entry->jump_type_kind() == kind) list.push_back(entry);
-    }
-    return list;
-}
-
-const TRAMPOLINE* as_trampoline(const JUMP_ENT* entry) {
-    return entry->is_trampoline() ? static_cast<const TRAMPOLINE*>(entry) : nullptr;
-}
-
-unsigned long callee_address(const JUMP_ENT* entry) {
-    if (OFE::OF_SYMBOL* symbol = entry->callee()->symbol(); symbol != nullptr)
-        return symbol->resolved_by_final()->value();
-    const TRAMPOLINE* trampoline = as_trampoline(entry);
-    return trampoline != nullptr ? trampoline->tramp_callee()->address() : 0;
-}
 
 class LIST {
   public:
@@ -50,12 +28,11 @@ class LIST {
     size_t print_entry(const JUMP_ENT* entry) {
         const OFE::OF_SYMBOL* symbol = entry->entry_symbol();
         mprintf("%-24s  %s\n", entry->callee()->name(), symbol != nullptr ? symbol->name() : "");
-        mprintf("   %08lx     %08lx     ", callee_address(entry),
+        mprintf("   %08lx     %08lx     ", entry->callee_address(),
                 static_cast<unsigned long>(entry->run_address()));
-        const TRAMPOLINE* trampoline = as_trampoline(entry);
         size_t calls = 0;
-        for (const TRAMP_CALL_SITE* site = trampoline ? trampoline->first_caller() : nullptr;
-             site != nullptr; site = site->next_caller()) {
+        for (const TRAMP_CALL_SITE* site = entry->first_caller(); site != nullptr;
+             site = site->next_caller()) {
             if (calls++ != 0) mprintf("\n   %-26s", "");
             print_call(site);
         }
@@ -76,14 +53,14 @@ class LIST {
 } // namespace
 
 void map_veneers() {
-    const std::vector<JUMP_ENT*> list = entries_of(JUMP_ENT::VENEER);
+    const std::vector<JUMP_ENT*> list = JUMP_ENT::all_of_kind(JUMP_ENT::VENEER);
     if (list.empty()) return;
     mputs("\nVENEERS\n\n");
     LIST().print(list, "veneer", "veneer addr");
 }
 
 void map_far_calls() {
-    const std::vector<JUMP_ENT*> list = entries_of(JUMP_ENT::FARCALL);
+    const std::vector<JUMP_ENT*> list = JUMP_ENT::all_of_kind(JUMP_ENT::FARCALL);
     if (list.empty()) return;
     mputs("\n\nFAR CALL TRAMPOLINES\n\n");
     LIST().print(list, "trampoline", "tramp addr ");

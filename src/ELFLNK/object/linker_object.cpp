@@ -257,6 +257,16 @@ void LINKER_OBJECT::detach_padding() {
     clear_attr(PA_PADDED);
 }
 
+// What is allocated and yet stands in no real memory was put there after a failure.
+bool LINKER_OBJECT::failed_to_allocate() const {
+    for (const LOCATOR* locator : {run_locator_, load_locator_}) {
+        if (locator == nullptr) continue;
+        if (locator->placement_failed()) return true;
+        if (locator->is_virtual() && has_attr(PA_ALLOCATED)) return true;
+    }
+    return false;
+}
+
 bool LINKER_OBJECT::set_visited(bool on) {
     bool old = visited_;
     visited_ = on;

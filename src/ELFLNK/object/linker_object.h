@@ -142,6 +142,8 @@ class LINKER_OBJECT {
     bool is_complete() const { return run_placement_is_complete(); }
     bool run_placement_is_complete() const;
     bool load_placement_is_complete() const;
+    /// Found no room, by itself or with the GROUP or UNION that it is in.
+    bool failed_to_allocate() const;
 
     // ---- position in the tree --------------------------------------------------------------
     bool contains(const LINKER_OBJECT* obj) const;

@@ -45,9 +45,13 @@ class SECTION : public LINKER_OBJECT, public OALLOC<SECTION> {
     void set_OF_SECTION(OFE::OF_SECTION* section) { section_ = section; }
     /// Section name as in the input, without a file tag.
     const char* original_section_name() const { return original_name_; }
+    /// What reports call the section: that name, or the whole name of a generated section.
+    const char* input_name() const { return file_ != nullptr ? original_name_ : name(); }
     /// The name without a tag "[n]" in front.
     static const char* orig_section_name(const char* name);
     uint32_t embedded_file_id() const { return embedded_file_id_; }
+    /// It goes into the program as it is in an input file: its size will not change.
+    bool is_plain_input() const;
 
     void set_call_info(CALL_INFO* info) { call_info_ = info; }
     uint32_t preferred_priority() const { return preferred_priority_; }

@@ -16,6 +16,7 @@
 #include "ELFLNK/target/abi.h"
 #include "ELFLNK/target/internal_section.h"
 #include "ELFLNK/target/target.h"
+#include "ELFLNK/xmlinfo/xml_info.h"
 #include "OBJEDIT04/ofe/object_file.h"
 #include "UTIL/pprint.h"
 #include "UTIL/savestr.h"
@@ -105,7 +106,26 @@ void COPY_RECORD::dump_header(PPRINT* out) const {
     out->printf("copy record: %s\n", outsect()->name());
 }
 
+void COPY_RECORD::generate_xml_info() {
+    write_xml_tag_begin(XML_cprec);
+    write_xml_string(XML_cprec_name, outsect()->name());
+    write_xml_int(XML_load_address, source_addr());
+    write_xml_int(XML_cprec_load_size, load_size());
+    write_xml_int(XML_run_address, outsect()->run_address());
+    write_xml_int(XML_run_size, outsect()->size());
+    write_xml_string(XML_compression, compression_name());
+    write_xml_tag_end(XML_cprec);
+}
+
 // ---- tables --------------------------------------------------------------------------------
+
+XML_TAG_ID COPY_TABLE::table_xml_tag() const {
+    return XML_cptbl;
+}
+
+XML_TAG_ID COPY_TABLE::table_name_xml_tag() const {
+    return XML_cptbl_name;
+}
 
 const char* COPY_TABLE::linker_defined_table_name() const {
     return savestrf("__QV_table_%s", user_name());
@@ -174,4 +194,17 @@ void HANDLER_TABLE::generate_map_file() {
             static_cast<long>(size()));
     for (size_t i = 0; i < handlers_.size(); ++i)
         mprintf("\tindex: %d, handler: %s\n", static_cast<int>(i), handlers_[i]->routine);
+}
+
+void HANDLER_TABLE::generate_xml_info() {
+    if (handlers_.empty()) return;
+    write_xml_tag_begin(XML_handler_table);
+    write_xml_string(XML_handler_table_name, name());
+    for (size_t i = 0; i < handlers_.size(); ++i) {
+        write_xml_tag_begin(XML_handler);
+        write_xml_int(XML_handler_index, i);
+        write_xml_string(XML_handler_name, handlers_[i]->routine);
+        write_xml_tag_end(XML_handler);
+    }
+    write_xml_tag_end(XML_handler_table);
 }

@@ -39,6 +39,7 @@ class COPY_RECORD : public LOAD_DATA_RECORD {
     virtual std::unique_ptr<COPY_RECORD> new_COPY_RECORD(COLLECTION* outsect, short kind,
                                                          const SOURCE_POSITION* pos) const = 0;
     virtual void dump_header(PPRINT* out) const;
+    void generate_xml_info() override;
 
     /// The encoded load image, or null where data is copied as it is.
     COMPRESSED_SECTION* compressed_section() const { return compressed_; }
@@ -72,6 +73,8 @@ class COPY_TABLE : public LOAD_DATA_TABLE {
     void add_a_new_record(COLLECTION* outsect, short kind, const SOURCE_POSITION* pos) override;
     void remove_record(const COLLECTION* outsect) override;
     const char* table_type_string() const override { return "copy"; }
+    XML_TAG_ID table_xml_tag() const override;
+    XML_TAG_ID table_name_xml_tag() const override;
 
     virtual void attach_compression_objects();
     virtual std::unique_ptr<COPY_RECORD> new_COPY_RECORD(COLLECTION* outsect, short kind,
@@ -103,6 +106,7 @@ class HANDLER_TABLE : public SECTION {
     void define_table();
     const std::vector<COMPRESSION_INFO*>& handlers() const { return handlers_; }
     void generate_map_file();
+    void generate_xml_info();
 
   private:
     void define_table_symbols();

@@ -11,6 +11,7 @@
 #include "ELFLNK/object/root_collection.h"
 #include "ELFLNK/target/abi.h"
 #include "ELFLNK/target/target.h"
+#include "ELFLNK/xmlinfo/xml_info.h"
 #include "OPTIONGEN/option_obj.h"
 #include "OPTIONGEN/register_option.h"
 
@@ -34,6 +35,10 @@ bool COPY_TABLE_DB::disable_table_support() const {
 
 short COPY_TABLE_DB::normalized_alg(short kind) const {
     return global_compress_db->normalized_kind(kind);
+}
+
+XML_TAG_ID COPY_TABLE_DB::table_xml_tag() const {
+    return XML_cptbl_list;
 }
 
 bool COPY_TABLE_DB::has_table_section(const COLLECTION* collection) const {

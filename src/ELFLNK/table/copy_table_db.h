@@ -17,6 +17,7 @@ class COPY_TABLE_DB : public LOAD_DATA_TABLE_DB {
     short normalized_alg(short kind) const override;
     const char* table_type_string() const override { return "copy"; }
     const char* table_type_string_upper() const override { return "COPY"; }
+    XML_TAG_ID table_xml_tag() const override;
     bool has_table_section(const COLLECTION* collection) const override;
     bool contains_table(const LINKER_OBJECT* object) const override;
     bool enforce_cinit_restrictions(const COLLECTION* collection) const override;

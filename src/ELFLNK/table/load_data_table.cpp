@@ -12,6 +12,7 @@
 #include "ELFLNK/object/collection.h"
 #include "ELFLNK/table/load_data_table_db.h"
 #include "ELFLNK/target/internal_section.h"
+#include "ELFLNK/xmlinfo/xml_info.h"
 #include "OBJEDIT04/ofe/of_section.h"
 #include "UTIL/data_map.h"
 #include "UTIL/narrow.h"
@@ -147,4 +148,11 @@ void LOAD_DATA_TABLE::generate_map_file() {
             load_address(), record_count(), static_cast<int>(record_size()),
             static_cast<long>(size()));
     for (const auto& record : records_) record->generate_map_file();
+}
+
+void LOAD_DATA_TABLE::generate_xml_info() {
+    write_xml_tag_begin(table_xml_tag());
+    write_xml_string(table_name_xml_tag(), user_name_);
+    for (const auto& record : records_) record->generate_xml_info();
+    write_xml_tag_end(table_xml_tag());
 }

@@ -19,6 +19,7 @@
 class COLLECTION;
 class DATA_MAP;
 class LOAD_DATA_TABLE_DB;
+enum XML_TAG_ID : unsigned;
 
 /// What a command file asks of one collection by all its operators of one table kind.
 struct LOAD_DATA_TABLE_SPECS {
@@ -46,6 +47,7 @@ class LOAD_DATA_RECORD {
     /// The record goes: so does what was made for it.
     virtual void remove_associated_sections() {}
     virtual void generate_map_file() = 0;
+    virtual void generate_xml_info() = 0;
     /// A record for each piece of a split output section.
     virtual void process_split_section(std::vector<std::unique_ptr<LOAD_DATA_RECORD>>& pieces);
     /// `piece` takes over what belongs to this record.
@@ -91,6 +93,10 @@ class LOAD_DATA_TABLE : public SECTION {
     virtual void remove_record(const COLLECTION* outsect) = 0;
     virtual void generate_map_file();
     virtual const char* table_type_string() const = 0;
+    virtual void generate_xml_info();
+    /// The elements of the table and of its name.
+    virtual XML_TAG_ID table_xml_tag() const = 0;
+    virtual XML_TAG_ID table_name_xml_tag() const = 0;
     virtual unsigned header_size() const { return 4; }
     virtual void write_header(DATA_MAP& data);
 

@@ -9,6 +9,7 @@
 #include "ELFLNK/object/root_collection.h"
 #include "ELFLNK/target/abi.h"
 #include "ELFLNK/target/target.h"
+#include "ELFLNK/xmlinfo/xml_info.h"
 
 // ---- names ---------------------------------------------------------------------------------
 
@@ -176,13 +177,26 @@ void LOAD_DATA_TABLE_DB::split() {
         if (table->record_count() != 0) table->process_split_sections();
 }
 
-void LOAD_DATA_TABLE_DB::generate_map_file() {
-    if (disable_table_support()) return;
+std::vector<LOAD_DATA_TABLE*> LOAD_DATA_TABLE_DB::shown_tables() const {
     std::vector<LOAD_DATA_TABLE*> shown;
+    if (disable_table_support()) return shown;
     for (const auto& [name, table] : tables_)
         if (table->record_count() != 0) shown.push_back(table);
-    if (shown.empty()) return;
     std::stable_sort(shown.begin(), shown.end(), LINKER_OBJECT::less_than_load_address);
+    return shown;
+}
+
+void LOAD_DATA_TABLE_DB::generate_map_file() {
+    const std::vector<LOAD_DATA_TABLE*> shown = shown_tables();
+    if (shown.empty()) return;
     mprintf("\n\nLINKER GENERATED %s TABLES\n\n", table_type_string_upper());
     for (LOAD_DATA_TABLE* table : shown) table->generate_map_file();
+}
+
+void LOAD_DATA_TABLE_DB::generate_xml_info() {
+    const std::vector<LOAD_DATA_TABLE*> shown = shown_tables();
+    if (shown.empty()) return;
+    write_xml_tag_begin(table_xml_tag());
+    for (LOAD_DATA_TABLE* table : shown) table->generate_xml_info();
+    write_xml_tag_end(table_xml_tag());
 }

@@ -22,8 +22,11 @@ class LOAD_DATA_TABLE_DB {
     virtual bool disable_table_support() const = 0;
     virtual short normalized_alg(short kind) const { return kind; }
     virtual void generate_map_file();
+    virtual void generate_xml_info();
     virtual const char* table_type_string() const = 0;
     virtual const char* table_type_string_upper() const = 0;
+    /// The element of all tables of this kind.
+    virtual XML_TAG_ID table_xml_tag() const = 0;
     virtual bool has_table_section(const COLLECTION* collection) const = 0;
     virtual bool contains_table(const LINKER_OBJECT* object) const = 0;
     /// True if the operators of a collection may not be applied at all, as it is made by the
@@ -70,6 +73,8 @@ class LOAD_DATA_TABLE_DB {
     void no_or_all_table_sections(COLLECTION* collection);
     bool enforce_only_table_sections(COLLECTION* collection, COLLECTION* outermost);
     void drop_record(const char* table, const COLLECTION* outsect);
+    /// Tables with records by load address; none without table support.
+    std::vector<LOAD_DATA_TABLE*> shown_tables() const;
 
     const char* prefix_;
     std::map<std::string, LOAD_DATA_TABLE*> tables_;

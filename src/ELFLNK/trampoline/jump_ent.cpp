@@ -6,11 +6,12 @@
 #include "DIAG/gen_msgs.h"
 #include "ELFLNK/locator/locator.h"
 #include "ELFLNK/memmap/memory_range.h"
-#include "ELFLNK/object/collection.h"
+#include "ELFLNK/object/root_collection.h"
 #include "ELFLNK/target/target.h"
 #include "ELFLNK/trampoline/call_site.h"
 #include "ELFLNK/trampoline/callee.h"
 #include "OBJEDIT04/machine/reloc_template.h"
+#include "OBJEDIT04/ofe/of_symbol.h"
 
 namespace {
 
@@ -51,6 +52,22 @@ bool JUMP_ENT::any() {
     return !registry().empty();
 }
 
+std::vector<JUMP_ENT*> JUMP_ENT::all_of_kind(int kind) {
+    std::vector<LINKER_OBJECT*> all;
+    root_collection->flatten(all, &LINKER_OBJECT::is_jump_ent);
+    std::vector<JUMP_ENT*> list;
+    for (LINKER_OBJECT* object : all) {
+        auto* entry = static_cast<JUMP_ENT*>(object);
+        if (entry->jump_type_kind() == kind) list.push_back(entry);
+    }
+    return list;
+}
+
+uint64_t JUMP_ENT::callee_address() const {
+    OFE::OF_SYMBOL* symbol = callee_->symbol();
+    return symbol != nullptr ? symbol->resolved_by_final()->value() : 0;
+}
+
 std::vector<JUMP_ENT*> JUMP_ENT::all_placed() {
     std::vector<JUMP_ENT*> placed;
     std::copy_if(registry().begin(), registry().end(), std::back_inserter(placed),
@@ -86,6 +103,10 @@ void TRAMPOLINE::remove_caller(TRAMP_CALL_SITE* site) {
         return;
     if (run->is_placed()) run->uncommit();
     tramp_callee()->discard_trampoline(this);
+}
+
+uint64_t TRAMPOLINE::callee_address() const {
+    return callee()->symbol() != nullptr ? JUMP_ENT::callee_address() : tramp_callee()->address();
 }
 
 void TRAMPOLINE::give_up() {

@@ -26,6 +26,10 @@ class JUMP_ENT : public SECTION {
 
     bool is_jump_ent() const override { return true; }
     CALLEE* callee() const { return callee_; }
+    /// Where the callee is; 0 if nobody knows.
+    virtual uint64_t callee_address() const;
+    /// First of the callers, in the order in which they came; null: nobody uses the entry.
+    virtual TRAMP_CALL_SITE* first_caller() const { return nullptr; }
     /// The local symbol of the entry, in the output; null before the output has symbols.
     OFE::OF_SYMBOL* entry_symbol() const { return entry_symbol_; }
     bool is_generated() const { return generated_; }
@@ -33,6 +37,8 @@ class JUMP_ENT : public SECTION {
     static std::vector<JUMP_ENT*> all_placed();
     /// Has any been made?
     static bool any();
+    /// The entries of one kind that are in the tree, in its order.
+    static std::vector<JUMP_ENT*> all_of_kind(int kind);
 
     /// Chooses the code; from here on neither it nor the size changes. Once.
     virtual void generate();
@@ -82,8 +88,8 @@ class TRAMPOLINE : public JUMP_ENT {
 
     bool is_trampoline() const override { return true; }
     TRAMP_CALLEE* tramp_callee() const;
-    /// First of the callers, in the order in which they came; null: a trampoline that nobody uses.
-    TRAMP_CALL_SITE* first_caller() const { return first_; }
+    uint64_t callee_address() const override;
+    TRAMP_CALL_SITE* first_caller() const override { return first_; }
     void add_caller(TRAMP_CALL_SITE* site);
     /// The last caller takes a trampoline with it that isn't part of a finished layout.
     void remove_caller(TRAMP_CALL_SITE* site);

@@ -18,6 +18,7 @@
 #include "ELFLNK/write/output_writer.h"
 #include "ELFLNK/write/outsym_attr_manager.h"
 #include "ELFLNK/write/strip.h"
+#include "ELFLNK/xmlinfo/xml_info.h"
 #include "OBJEDIT04/ofe/object_file.h"
 #include "OBJEDIT04/ofe/of_section.h"
 #include "OBJEDIT04/ofe/of_symbol.h"
@@ -54,6 +55,7 @@ void print_section_sizes() {
 }
 
 void write_reports() {
+    if (global_opts->isopt(OPT_xml_link_info)) generate_xml_info();
     if (global_opts->isopt(OPT_map_file)) generate_map_file();
     if (global_opts->isopt(OPT_section_sizes) && global_opts->not_off(OPT_section_sizes) &&
         output_OF_FILE())
@@ -145,6 +147,29 @@ bool edit_symbols_and_save(FHM_FILE* file) {
     return output_OF_FILE()->save_obj(file) == 0;
 }
 
+// --tempfile: the file as it is before symbols change keeps a name of its own; what it holds is
+// then edited and saved a second time.
+bool save_before_edit(const char* name) {
+    OUTPUT_WRITER writer(name);
+    FHM_FILE* file = writer.open();
+    if (!file) {
+        DIAG_REPORT(elnk_open_outfile, name);
+        return false;
+    }
+    trace_build.printf("\n--> Write object file to '%s'\n", name);
+    if (save_and_write_data(file) && output_OF_FILE()->reopen_for_editing() == 0 &&
+        writer.commit(false))
+        return true;
+    writer.discard();
+    return false;
+}
+
+bool edit_symbols_and_save_again(FHM_FILE* file) {
+    trace_build.printf("\nPOSTPROCESS\n");
+    apply_symbol_options();
+    return output_OF_FILE()->save_obj(file) == 0;
+}
+
 bool symbols_change() {
     return global_opts->isopt(OPT_no_symtable) || global_opts->isopt(OPT_make_static) ||
            outsym_attr_manager.has_changes();
@@ -162,7 +187,7 @@ void dump_output() {
 
 void check_loadable() {
     OBJECT_FILE* out = output_OF_FILE();
-    if (is_partial_link()) return;
+    if (is_plain_partial_link()) return;
     bool program =
         out->file_type() == OF_FILE_TYPE_EXECUTABLE || out->file_type() == OF_FILE_TYPE_SHARED;
     if (!program || !out->is_safe_to_execute())
@@ -180,6 +205,8 @@ void write() {
     }
     OBJECT_FILE* out = output_OF_FILE();
     if (!out) return;
+    const char* first_name = global_opts->getstrarg(OPT_tempfile);
+    bool saved = first_name == nullptr || save_before_edit(first_name);
     OUTPUT_WRITER writer(output_name());
     FHM_FILE* file = writer.open();
     if (!file) {
@@ -187,7 +214,10 @@ void write() {
         return;
     }
     trace_build.printf("\n--> Write object file to '%s'\n", output_name());
-    bool saved = symbols_change() ? edit_symbols_and_save(file) : save_and_write_data(file);
+    if (first_name != nullptr)
+        saved = saved && edit_symbols_and_save_again(file);
+    else
+        saved = symbols_change() ? edit_symbols_and_save(file) : save_and_write_data(file);
     out->set_name(output_name()); // not that of the unfinished file
     if (DIAGNOSTIC::error_count_m > 0 || !saved) {
         DIAG_REPORT(elnk_outfile_not_built, output_name());
