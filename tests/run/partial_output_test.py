@@ -1,9 +1,13 @@
 #!/usr/bin/env python3
 """A link that cannot end leaves nothing that could be taken for its output.
 
-The disk is full, the size of a file is limited, or a signal comes at any moment: under the output's name there is
-either nothing, or what stood there before, or the whole file, and where the linker can still act, nothing else is left either. The program that is
-linked is large, so that much of the link is writing.
+The disk is full, the size of a file is limited, or a signal comes at any moment: under the output's name there is either
+nothing, or what stood there before, or the whole file, and where the linker can still act, nothing else is left either. The
+program that is linked is large, so that much of the link is writing, and most of the moments lie there.
+
+    partial_output_test.py --qvlink build/release/qvlink --work /tmp/partial --in build/bench/L inputs.cmd base.cmd
+
+does the same with other inputs than its own: the rest of the command line, seen from that folder.
 """
 import argparse
 import os
@@ -27,8 +31,9 @@ data:
     .endr
     .word _start
 """
-SIZE = 0x800000
-MOMENTS = 24  # per signal
+SIZE = 0x1000000
+MOMENTS = {signal.SIGKILL: 200}  # how often a signal is sent, or:
+OTHER_MOMENTS = 24
 # A signal, and whether the linker gets to tidy up.
 SIGNALS = {signal.SIGTERM: True, signal.SIGINT: True, signal.SIGHUP: True, signal.SIGQUIT: True, signal.SIGKILL: False}
 # The two ways in which a file is written: laid out first, or complete in memory.
@@ -44,20 +49,21 @@ class Linker:
         self.folder = opts.work / name.replace(" ", "_")
         shutil.rmtree(self.folder, ignore_errors=True)
         self.folder.mkdir(parents=True)
-        self.command = [str(opts.qvlink), str(opts.work / "big.o"), "-o", "out.elf", "--entry_point=_start",
-                        "--unused_section_elimination=off", *MODES[mode]]
+        self.inputs = opts.folder
+        self.out = self.folder / "out.elf"
+        self.command = [str(opts.qvlink), *opts.arguments, *MODES[mode], "-o", str(self.out)]
 
     def start(self, **kw):
-        return subprocess.Popen(self.command, cwd=self.folder, stdout=subprocess.PIPE, stderr=subprocess.PIPE, **kw)
+        return subprocess.Popen(self.command, cwd=self.inputs, stdout=subprocess.PIPE, stderr=subprocess.PIPE, **kw)
 
     def left(self):
         return sorted(path.name for path in self.folder.iterdir())
 
 
-def check_limit(opts, mode):
+def check_limit(opts, mode, whole):
     """The limit of a file's size ends the process by a signal."""
     linker = Linker(opts, "limit", mode)
-    limit = SIZE // 2
+    limit = len(whole) // 2
     process = linker.start(preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (limit, limit)))
     _, text = process.communicate(timeout=120)
     if process.returncode != 2 or b"exceeded the file size limit" not in text:
@@ -66,12 +72,12 @@ def check_limit(opts, mode):
         raise Failed(f"limited size, {mode}: the link left {linker.left()}")
 
 
-def check_full_disk(opts, mode):
+def check_full_disk(opts, mode, whole):
     """A file system with room for half of the file; left out where nobody may mount one."""
     linker = Linker(opts, "full", mode)
-    script = f"mount -t tmpfs -o size={SIZE // 2} none . 2>/dev/null || exit 77; cd \"$PWD\"; \"$@\"; s=$?; ls; exit $s"
-    done = subprocess.run(["unshare", "--user", "--map-root-user", "--mount", "sh", "-c", script, "sh", *linker.command],
-                          cwd=linker.folder, stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=120)
+    script = 'mount -t tmpfs -o size=$0 none "$1" 2>/dev/null || exit 77; f=$1; shift; "$@"; s=$?; ls "$f"; exit $s'
+    done = subprocess.run(["unshare", "--user", "--map-root-user", "--mount", "sh", "-c", script, str(len(whole) // 2),
+                           str(linker.folder), *linker.command], cwd=linker.inputs, stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=120)
     if done.returncode == 77 or b"unshare" in done.stderr:
         print("full disk: not tried, no file system can be mounted here")
         return
@@ -85,14 +91,14 @@ def check_signal(opts, mode, sig, delay, whole, old):
     """Returns whether the signal came in time. `old`: what stands under the output's name, if anything."""
     linker = Linker(opts, "signal", mode)
     if old:
-        (linker.folder / "out.elf").write_bytes(old)
+        linker.out.write_bytes(old)
     process = linker.start()
     time.sleep(delay)
     process.send_signal(sig)
     process.communicate(timeout=120)
     what = f"{signal.Signals(sig).name} after {delay * 1000:.1f} ms, {mode}"
     left = linker.left()
-    if "out.elf" in left and (linker.folder / "out.elf").read_bytes() not in (whole, old or whole):
+    if "out.elf" in left and linker.out.read_bytes() not in (whole, old or whole):
         raise Failed(f"{what}: out.elf is neither the whole file nor the old one")
     others = [name for name in left if name != "out.elf"]
     if others and SIGNALS[sig]:
@@ -102,40 +108,57 @@ def check_signal(opts, mode, sig, delay, whole, old):
     return process.returncode != 0
 
 
-def check_signals(opts, mode):
+def undisturbed(opts, mode):
+    """The file, and when the linker began to write it and had ended, in seconds from its start."""
     linker = Linker(opts, "whole", mode)
     begin = time.monotonic()
     process = linker.start()
+    while process.poll() is None and not linker.left():
+        time.sleep(0.0005)
+    writing = time.monotonic() - begin
     _, text = process.communicate(timeout=120)
     duration = time.monotonic() - begin
     if process.returncode != 0:
         raise Failed(f"the undisturbed link ends with status {process.returncode}\n{text.decode()}")
-    whole = (linker.folder / "out.elf").read_bytes()
-    if len(whole) < SIZE:
-        raise Failed(f"the undisturbed link wrote {len(whole)} bytes")
+    return linker.out.read_bytes(), writing, duration
+
+
+def check_signals(opts, mode, whole, writing, duration):
     for sig in SIGNALS:
-        in_time = sum(check_signal(opts, mode, sig, duration * (i + 0.5) / opts.moments, whole, b"old" * (i % 2))
-                      for i in range(opts.moments))
-        if in_time == 0:
-            raise Failed(f"{signal.Signals(sig).name}, {mode}: no signal came before the link had ended")
-        print(f"{signal.Signals(sig).name}, {mode}: {in_time} of {opts.moments} in time")
+        moments = MOMENTS.get(sig, OTHER_MOMENTS)
+        # One in four comes before there is anything to write.
+        times = [writing * (4 * i + 2) / moments if i % 4 == 0 else writing + (duration - writing) * (i + 0.5) / moments
+                 for i in range(moments)]
+        in_time = sum(check_signal(opts, mode, sig, at, whole, b"old" * (i % 2)) for i, at in enumerate(times))
+        if in_time < moments // 4:
+            raise Failed(f"{signal.Signals(sig).name}, {mode}: {in_time} of {moments} signals came before the link had ended")
+        print(f"{signal.Signals(sig).name}, {mode}: {in_time} of {moments} in time")
 
 
 def main():
-    parser = argparse.ArgumentParser()
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--qvlink", required=True, type=Path)
     parser.add_argument("--work", required=True, type=Path)
-    parser.add_argument("--moments", type=int, default=MOMENTS, help="how often each signal is sent")
+    parser.add_argument("--in", dest="folder", type=Path, help="where the arguments name files")
+    parser.add_argument("arguments", nargs="*", help="the inputs, instead of a program of the test's own")
     opts = parser.parse_args()
     opts.qvlink, opts.work = opts.qvlink.resolve(), opts.work.resolve()
     opts.work.mkdir(parents=True, exist_ok=True)
-    (opts.work / "big.s").write_text(SOURCE.format(words=SIZE // 8))
-    subprocess.run([TOOL + "as", "big.s", "-o", "big.o"], cwd=opts.work, check=True)
+    opts.folder = (opts.folder or opts.work).resolve()
+    for sig in SIGNALS:  # whoever started the test may ignore some, which the linker would inherit
+        if sig != signal.SIGKILL:
+            signal.signal(sig, signal.SIG_DFL)
+    if not opts.arguments:
+        (opts.work / "big.s").write_text(SOURCE.format(words=SIZE // 8))
+        subprocess.run([TOOL + "as", "big.s", "-o", "big.o"], cwd=opts.work, check=True)
+        opts.arguments = ["big.o", "--entry_point=_start", "--unused_section_elimination=off"]
     failures = 0
     for mode in MODES:
-        for check in (check_limit, check_full_disk, check_signals):
+        whole, writing, duration = undisturbed(opts, mode)
+        print(f"{mode}: {len(whole)} bytes, written from {writing:.3f} to {duration:.3f} s")
+        for check, times in (check_limit, ()), (check_full_disk, ()), (check_signals, (writing, duration)):
             try:
-                check(opts, mode)
+                check(opts, mode, whole, *times)
             except Failed as e:
                 failures += 1
                 print(f"FAILED: {e}")
