@@ -28,11 +28,15 @@
 #include "OBJEDIT04/ofe/of_symbol.h"
 #include "OBJEDIT04/ofe/of_symbol_table.h"
 #include "OPTIONGEN/option_obj.h"
+#include "OPTIONGEN/register_option.h"
+#include "UTIL/filename.h"
 #include "UTIL/trace.h"
 
 using namespace OFE;
 
 namespace {
+
+register_option debug_ifile("debug:ifile");
 
 std::vector<LINKER_OBJECT*> leaves;
 bool debug_in_group = false;
@@ -173,6 +177,16 @@ void set_entry_point() {
     out->set_entry_point(0);
 }
 
+// --debug:ifile ends the link with the file of what the linker makes itself.
+[[noreturn]] void write_internal_file() {
+    const std::string name = fn_tmpnam();
+    OBJ_FILE* file = file_manager.internal_file();
+    if (name.empty() || file->object_file()->save_obj(name.c_str()) != 0)
+        DIAG_REPORT(elnk_open_outfile, name.c_str());
+    printf("Linker internal file written to \"%s\"\n", name.c_str());
+    exit(0);
+}
+
 bool has_program_headers() {
     OBJECT_FILE* out = output_OF_FILE();
     if (out->format() != OF_FORMAT_ELF || is_elf_partial_link()) return false;
@@ -195,6 +209,7 @@ void originate() {
 void build() {
     trace_build.push("\n\nBUILD PHASE:\n");
     if (!output_OF_FILE()) return; // no object file was read
+    if (debug_ifile != 0) write_internal_file();
     install_releng_hooks();
     create_outfile_components(false);
     // The output's sections and symbols are complete.

@@ -5,8 +5,11 @@
 #include "ELFLNK/target/target.h"
 #include "OBJEDIT04/ofe/object_file.h"
 #include "OPTIONGEN/option_obj.h"
+#include "OPTIONGEN/register_option.h"
 
 namespace {
+
+register_option disable_dwarf_sym_opt("disable:dwarf_sym_opt");
 
 bool has(option_id id) {
     return global_opts->isopt(id);
@@ -64,9 +67,9 @@ bool can_user_specify_rom_flags() {
     return Target->is_seg_attrs_allowed() && has(OPT_rom);
 }
 
-// The debug switch "disable:dwarf_sym_opt" belongs to the debug information editor, and is off.
 bool outfile_symtab_optimization_enabled() {
-    return !is_dynamic_output() && !has(OPT_rom) && !has(OPT_relocatable);
+    return disable_dwarf_sym_opt == 0 && !is_dynamic_output() && !has(OPT_rom) &&
+           !has(OPT_relocatable);
 }
 
 bool is_plain_partial_link() {

@@ -14,8 +14,14 @@
 
 using namespace OFE;
 
+// A file for a further link passes on the commons that nothing in it refers to.
+static bool takes_part(OF_SYMBOL* symbol) {
+    return root_collection->symbol_is_in_link(symbol) ||
+           (symbol->kind() == OF_SYM_KIND_COMMON && is_partial_link());
+}
+
 bool symbol_needs_final_value(OF_SYMBOL* symbol) {
-    if (symbol->final() || !root_collection->symbol_is_in_link(symbol)) return false;
+    if (symbol->final() || !takes_part(symbol)) return false;
     OF_SYMBOL* by = symbol->resolved_by();
     return !by || (by->final() && !by->final_value());
 }

@@ -191,8 +191,9 @@ void copy_symbols_of(OBJECT_FILE* file, bool prebuild) {
                 copy_local(file, table, raw, prebuild);
                 continue;
             }
-            if (raw.kind != OF_SYM_KIND_DEFINED ||
-                !root_collection->lookup_section(file->file_id(), raw.section_id))
+            if (raw.kind != OF_SYM_KIND_COMMON &&
+                (raw.kind != OF_SYM_KIND_DEFINED ||
+                 !root_collection->lookup_section(file->file_id(), raw.section_id)))
                 continue;
             symbol = table->symbol(id);
         }
@@ -235,8 +236,7 @@ void drop_unlinked_absolute_symbols() {
     bool deleted = false;
     for (unsigned id = 1, n = table->symnum(); id < n; id = table->next_symbol_id(id)) {
         OF_SYMBOL* symbol = table->symbol(id);
-        if (symbol->kind() == OF_SYM_KIND_ABSOLUTE &&
-            !root_collection->symbol_is_in_link(symbol) &&
+        if (symbol->kind() == OF_SYM_KIND_ABSOLUTE && !root_collection->symbol_is_in_link(symbol) &&
             !get_expr_mgr()->is_refd(symbol->name())) {
             if (id < input_refs.size()) input_refs[id] = {};
             global_symbols.remove_linker_symbol(symbol);

@@ -25,3 +25,10 @@ a.o link.cmd -o out.elf --entry_point=_start
 --- case a_device
 --- args
 a.o link.cmd -o /dev/null --entry_point=_start
+--- case a_file_for_a_further_link_that_is_relocated_all_the_same
+--- args
+a.o -r --force_reloc -o out.elf
+--- stderr
+warning: output file "out.elf" cannot be loaded and run on a target system
+--- readelf -h
+Type: REL

@@ -10,6 +10,15 @@ _start: bl foo
 foo: bx lr
 foobar: bx lr
 bar: bx lr
+--- once.s
+    .section .text.once, "axG", %progbits, once, comdat
+    .weak once
+    .thumb_func
+once: bx lr
+    .text
+    .global plain
+    .thumb_func
+plain: bx lr
 --- link.cmd
 MEMORY { M : origin = 0x100, length = 0x1000 }
 SECTIONS { .text : { *(.text*) } > M }
@@ -53,3 +62,73 @@ a.o -r -o out.elf -s
 ignoring the --no_symtable (-s) option; a relocatable output file must
 --- sym
 foo 0xc .text._start:a.o
+--- case localize_all_but_one
+--- args
+a.o link.cmd -o out.elf --entry_point=_start --localize=* --globalize=bar
+--- readelf -sW
+NOTYPE LOCAL DEFAULT 1 foo
+NOTYPE GLOBAL DEFAULT 1 bar
+--- case equally_wide_patterns_of_localizing
+--- args
+a.o link.cmd -o out.elf --entry_point=_start --localize=f* --globalize=*o
+--- exit
+1
+--- stderr
+error: ambiguous symbol localization options; symbol foo matches both
+   --localize='f*' and --gloablize='*o'; in such cases, one pattern must be
+   more restrictive than the other
+error: errors encountered during linking; "out.elf" not built
+--- case make_static_spares_what_is_made_global
+--- args
+a.o link.cmd -o out.elf --entry_point=_start --make_static --make_global=bar
+--- readelf -sW
+NOTYPE LOCAL DEFAULT 1 foo
+NOTYPE GLOBAL DEFAULT 1 bar
+--- case comdat_symbols_stay_global_in_a_partial_link
+--- args
+once.o -r -o out.elf --hide=once --hide=plain
+--- stderr
+warning: comdat symbols must remain global; option --hide ignored for 1 comdat
+   symbols.  Affected symbols can be listed in the mapfile.
+--- sym
+plain -
+once 0x1 .text.once:once.o
+--- case comdat_symbols_are_a_remark_of_make_static
+--- args
+once.o -r -o out.elf --make_static --issue_remarks
+--- stdout
+remark: comdat symbols must remain global; option --make_static ignored for 1
+   comdat symbols.  Affected symbols can be listed in the mapfile.
+--- readelf -sW
+FUNC LOCAL DEFAULT 2 plain
+FUNC WEAK DEFAULT 5 once
+--- case the_patterns_are_listed
+--- args
+a.o link.cmd -o out.elf --entry_point=_start --debug:outsym_mods --hide=b --hide=a --hide=b --unhide=c --localize=d
+--- stdout
+CONTENTS OF LOCALIZE ARE : 
+  d
+CONTENTS OF GLOBALIZE ARE : 
+CONTENTS OF HIDE  ARE : 
+  a
+  b
+CONTENTS OF UNHIDE  ARE : 
+  c
+--- case symbols_of_debug_sections_stay_out
+--- debug.s
+    .section .debug_names, "", %progbits
+    .global told
+told: .word foo
+--- args
+a.o debug.o link.cmd -o out.elf --entry_point=_start
+--- sym
+told -
+--- case symbols_of_debug_sections_on_request
+--- debug.s
+    .section .debug_names, "", %progbits
+    .global told
+told: .word foo
+--- args
+a.o debug.o link.cmd -o out.elf --entry_point=_start --disable:dwarf_sym_opt
+--- sym
+told 0 .debug_names

@@ -20,3 +20,11 @@ a.o link.cmd -e start -o out.elf --ofd=out.txt
 a.o link.cmd -e start -o out.elf --debug:ofd
 --- stdout re
 (?s)\n\nOUTPUT FILE DUMP:\n.*\.text .*
+--- case what the linker makes itself
+--- env
+TMPDIR=.
+--- args
+a.o link.cmd -e start -o out.elf --arg_size=16 --debug:ifile
+--- stdout re
+Linker internal file written to "\./qvl\w{6}"\n
+--- no-file out.elf
