@@ -221,9 +221,7 @@ class Problem:
         wishes = Locator(BOTH)
         wishes.overlay = kind == "UNION"
         wishes.ordered = kind == "GROUP" and len(members) >= 2
-        # What runs in an overlay and is loaded elsewhere takes no part in a split.
-        obj.has_loaded_overlay = (kind == "UNION" and obj.data) or any(m.has_loaded_overlay for m in obj.members)
-        text = self.locate(obj, wishes, within, obj.data, may_split=not obj.has_loaded_overlay)
+        text = self.locate(obj, wishes, within, obj.data)
         pad = "  " * depth
         return f"{pad}  {kind}\n{pad}  {{\n" + "\n".join(t for t, _ in members) + f"\n{pad}  }} {text}", obj
 

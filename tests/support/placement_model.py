@@ -99,7 +99,6 @@ class Obj:
         self.cached = None  # size, smallest size
         self.fixed_min = None
         self.init_overlay = self.load_placement = self.chosen = False
-        self.has_loaded_overlay = False
         self.anchored = False  # a symbol of it is referred to
         for m in members:
             self.add(m)
@@ -372,6 +371,7 @@ class Model:
             l.available = 0
             if not l.complete and not l.virtual and (l.ranges or l.attrs is not None):
                 l.available = sum(r.unused() for r in self.usable(l))
+            l.obj.sizes()  # asked for now, it stays what it is without the pads of members that are no sub-items yet
         specific = [l for l in items if l.specific is not None]
         virtual = [l for l in items if l.specific is None and l.virtual]
         main = [l for l in items if l.specific is None and not l.virtual]
