@@ -2,8 +2,8 @@
 """Which members a link pulls, and in which order, against the plain rule.
 
 Archives, groups and objects are made at random: names are defined in several places, members ask for each other, some
-only weakly, some archives are named twice, some names are mapped to others, wanted by the command line or retained, some
-links read all archives again or go by the priority of archives. The rule says that an archive is walked over its
+only weakly, some archives are named twice, some names are mapped to others, wanted by the command line or retained,
+some links read all archives again or go by the priority of archives. The rule says that an archive is walked over its
 directory until a walk loads nothing, a group until none of its archives loads anything. The linker looks only at names
 that came to be needed; the local symbols of the output, which stand in the order of files, show whether it loaded the
 same members in the same order. `--cases` and `--seed` say how many links and which.

@@ -71,9 +71,9 @@ DIRECTORY& directory_of(ARCHIVE_FILE* archive) {
 
 // A command file's expression, or --retain, asks for a name that no file defines so far.
 bool is_asked_for(uint32_t id) {
+    if (global_symbols.def_of(id)) return false;
     const char* name = global_symbols.name_of(id);
-    if (retain_manager.has_symbol_specs() && retain_manager.user_retains_symbol(name)) return true;
-    return !global_symbols.def_of(id) && get_expr_mgr()->is_refd(name);
+    return retain_manager.user_retains_symbol(name) || get_expr_mgr()->is_refd(name);
 }
 
 bool is_wanted(uint32_t id) {

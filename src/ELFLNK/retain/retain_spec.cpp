@@ -129,7 +129,7 @@ bool RETAIN_SPEC_MANAGER::match_section(const OFE::OF_SECTION* section, OBJ_FILE
 
 bool RETAIN_SPEC_MANAGER::user_retains_symbol(const char* name) const {
     if (!has_symbol_specs_ || !name || *name == '\0' || is_partial_link()) return false;
-    if (global_symbols.lookup_def(name) || !match_symbol(name)) return false;
+    if (!match_symbol(name) || global_symbols.lookup_def(name)) return false;
     trace_load.printf("retain symbol \"%s\" as required by --retain option\n", name);
     return true;
 }

@@ -46,6 +46,15 @@ __QV_PATCH_INTERCEPT_one: .word 0x99
 __tagsym$$retain.loose: .word 0x77
     .section .data.dropped, "aw"
     .word 0x78
+--- wanting.s
+    .section .text.wanting, "ax"
+    .global wanting
+wanting: .word also
+--- exe.s
+    .section .text.exe, "ax"
+    .global also
+also: .word 1
+--- patch exe.o 0x10 0200
 --- junk.o
 not an object
 --- archive lib.a one.o
@@ -187,3 +196,21 @@ main.o one.o patch.o ok.cmd -o out.elf
 main.o one.o retained.o ok.cmd -o out.elf
 --- bytes .data
 77000000
+--- case what a patch replaces may come from an archive behind it
+--- args
+main.o patch.o lib.a ok.cmd -o out.elf
+--- bytes .text
+7047 00bf 08100000 99000000 10100000 01000000
+--- case an executable file is no input
+--- args
+main.o one.o exe.o ok.cmd -o out.elf
+--- exit
+1
+--- stderr
+fatal error: file "exe.o" could not be statically or dynamically linked
+--- no-file out.elf
+--- case an archive named twice is read in both places
+--- args
+main.o lib.a also.a wanting.o also.a ok.cmd -u wanting -o out.elf
+--- sym
+also 0x1008 .text

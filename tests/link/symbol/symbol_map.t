@@ -21,6 +21,8 @@ _start: bx lr
     .word old
     .section .data.old, "aw"
 old: .word 1
+--- define.cmd
+given = 0x44;
 --- archive lib.a new.o
 --- ok.cmd
 --entry_point=_start
@@ -63,6 +65,25 @@ a.o new.o ok.cmd --symbol_map=old -o out.elf
 1
 --- stderr has
 error: invalid parameter old to option --symbol_map
+--- case text behind the form
+--- args
+a.o new.o ok.cmd --symbol_map=old=new=old -o out.elf
+--- exit
+1
+--- stderr has
+error: invalid parameter old=new=old to option --symbol_map
+--- case a name maps once only
+--- args
+a.o new.o ok.cmd --symbol_map=old=middle --symbol_map=middle=new -o out.elf
+--- exit
+1
+--- stderr has
+ old       a.o
+--- case what a command file defines serves too
+--- args
+a.o define.cmd ok.cmd --symbol_map=old=given -o out.elf
+--- bytes .text
+7047 00bf 44000000
 --- case definition and reference in one file
 --- args
 both.o new.o ok.cmd --symbol_map=old=new -o out.elf
