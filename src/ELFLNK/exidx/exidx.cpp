@@ -8,6 +8,7 @@
 
 #include "DIAG/elnk_msgs.h"
 #include "ELFLNK/build/link_kind.h"
+#include "ELFLNK/crc/crc_table.h"
 #include "ELFLNK/exidx/exidx_section.h"
 #include "ELFLNK/exidx/exidx_table.h"
 #include "ELFLNK/expr/expression.h"
@@ -15,6 +16,7 @@
 #include "ELFLNK/file/obj_file.h"
 #include "ELFLNK/object/root_collection.h"
 #include "ELFLNK/symbol/symbol_table.h"
+#include "ELFLNK/table/copy_table_db.h"
 #include "ELFLNK/target/abi.h"
 #include "ELFLNK/target/target.h"
 #include "OBJEDIT04/elf/elf_section.h"
@@ -177,7 +179,11 @@ void EXIDX_TABLE_BUILDER::build_tables_of_partial_link() {
 void EXIDX_TABLE_BUILDER::build_table_of_final_link() {
     EXIDX_TABLE* table = build_exidx_table_for_collection(root_collection, TABLE_NAME);
     if (table == nullptr) return;
-    table->replace_user_outsect();
+    COLLECTION* user = as_collection(root_collection->find_other_outsect(TABLE_NAME, table));
+    if (table->replace_user_outsect())
+        for (LOAD_DATA_TABLE_DB* tables : {static_cast<LOAD_DATA_TABLE_DB*>(global_copy_table_db),
+                                           static_cast<LOAD_DATA_TABLE_DB*>(global_crc_table_db)})
+            tables->replace_outsect(user, table);
     table->add_table_terminator(new_default_piece(TABLE_NAME, nullptr));
     table->define_exidx_symbols();
     if (table->parent() == nullptr) root_collection->add_member(table);

@@ -58,6 +58,7 @@ class LOAD_DATA_RECORD {
                                                          const SOURCE_POSITION* pos) const = 0;
 
     COLLECTION* outsect() const { return outsect_; }
+    void set_outsect(COLLECTION* outsect) { outsect_ = outsect; }
     short kind() const { return kind_; }
     void set_kind(short kind) { kind_ = kind; }
     const SOURCE_POSITION* position() const { return position_; }

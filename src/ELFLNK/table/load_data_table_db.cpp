@@ -93,6 +93,12 @@ void LOAD_DATA_TABLE_DB::register_section() {
         if (table->record_count() != 0) root_collection->add_section(table);
 }
 
+void LOAD_DATA_TABLE_DB::replace_outsect(const COLLECTION* old, COLLECTION* now) {
+    for (const auto& [name, table] : tables_)
+        for (const auto& record : table->records())
+            if (record->outsect() == old) record->set_outsect(now);
+}
+
 // ---- restrictions --------------------------------------------------------------------------
 
 void LOAD_DATA_TABLE_DB::restrict_table_outsect() {

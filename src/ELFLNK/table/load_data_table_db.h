@@ -46,6 +46,8 @@ class LOAD_DATA_TABLE_DB {
 
     /// After load: makes the tables and records that the command file asks for.
     void originate();
+    /// `now` stands in the place of output section `old`: the records about that one are about it.
+    void replace_outsect(const COLLECTION* old, COLLECTION* now);
     /// At the end of collection: drops records that cannot be, and defines the tables' symbols.
     void restrict_table_outsect();
     /// After the first phase of placement: records of split sections.

@@ -13,6 +13,17 @@ _start:
     .byte 9
     .section .refs, "a"
     .word first
+--- unwind.s
+    .syntax unified
+    .global _start, __cxa_throw
+    .section .text.s, "ax"
+    .thumb_func
+    .fnstart
+_start:
+__cxa_throw:
+    bx lr
+    .cantunwind
+    .fnend
 --- mem.cmd
 --unused_section_elimination=off
 --entry_point=_start
@@ -68,3 +79,21 @@ __binit__        0x1008 .binit
 0c 00 02 00
 00 18 00 00  00 80 00 00  04 00 00 00
 00 19 00 00  04 80 00 00  04 00 00 00
+--- case the index for unwinding, which takes the place of the section that the command file names
+--- link.cmd
+SECTIONS {
+    .text : { *(.text*) } > ROM
+    .ovly : > ROM
+    .ARM.exidx : LOAD > 0x1800, RUN > 0x8000, table(t), crc_table(c, algorithm=CRC32)
+    .QV.crctab : > ROM
+}
+--- args
+unwind.o mem.cmd link.cmd -o out.elf
+--- bytes .ARM.exidx
+00 90 ff 7f  01 00 00 00
+--- bytes .ovly
+0c 00 01 00
+00 18 00 00  00 80 00 00  08 00 00 00
+--- bytes .QV.crctab
+18 00 00 00 01 00 00 00
+e2 12 10 ad 00 00 00 00  09 00 00 00  00 18 00 00  08 00 00 00  00 00 00 00
