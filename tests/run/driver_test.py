@@ -128,6 +128,22 @@ def run_table(path, opts):
     return wrong
 
 
+def check_depth(opts):
+    """A chain of command files is followed as far as the stack surely bears; what lies deeper is an error, not a crash."""
+    work = opts.work / "depth"
+    shutil.rmtree(work, ignore_errors=True)
+    work.mkdir(parents=True)
+    last = 300
+    for i in range(last):
+        (work / f"c{i}.cmd").write_text(f"c{i + 1}.cmd\n" if i + 1 < last else "--stack_size=1\n")
+    for first, says in ((last - 200, "fatal error: no input files\n"), (last - 201, '"c299.cmd" is named through 200')):
+        done = subprocess.run([opts.qvlink, f"c{first}.cmd"], cwd=work, capture_output=True, text=True, timeout=60)
+        if done.returncode != 1 or says not in done.stderr:
+            print(f"depth: c{first}.cmd: status {done.returncode}, expected 1 and {says!r} in\n{done.stderr[-500:]}")
+            return 1
+    return 0
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--qvlink", type=Path, required=True)
@@ -139,7 +155,10 @@ def main():
     tables = opts.tables or sorted((TOP / "tests/run/driver").glob("*.cases"))
     if not tables:
         sys.exit("no tables")
-    return 1 if sum(run_table(table, opts) for table in tables) else 0
+    wrong = sum(run_table(table, opts) for table in tables)
+    if not opts.tables and not opts.only:
+        wrong += check_depth(opts)
+    return 1 if wrong else 0
 
 
 if __name__ == "__main__":

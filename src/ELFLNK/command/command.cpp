@@ -31,6 +31,9 @@ namespace {
 
 register_option debug_globals("debug:globals");
 
+/// Each level takes stack, of which there is an end.
+constexpr size_t MAX_NESTED_FILES = 200;
+
 /// Command files in progress, the innermost last.
 std::vector<COMMAND_FILE*> command_files;
 
@@ -132,6 +135,13 @@ void cmdfile_command(COMMAND_FILE* file) {
     if (is_in_progress(file)) {
         USER_MSG::get_umsg_obj()->error(file->position(), "command file \"%s\" names itself",
                                         file->name());
+        return;
+    }
+    if (command_files.size() == MAX_NESTED_FILES) {
+        USER_MSG::get_umsg_obj()->error(file->position(),
+                                        "command file \"%s\" is named through %zu others, which is "
+                                        "as deep as they may name each other",
+                                        file->name(), MAX_NESTED_FILES);
         return;
     }
     command_files.push_back(file);

@@ -7,6 +7,7 @@
 #include "ELFLNK/write/write.h"
 
 #include <csignal>
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -50,7 +51,18 @@ const char* crash_reason(int sig) {
 
 void install_common_handlers(void (*handler)(int), void (*callback)(int)) {
     crash_callback = callback;
-    for (const int sig : handled_signals) signal(sig, handler);
+    // A stack that has come to its end has no room for a handler.
+    constexpr size_t STACK_SIZE = 64 * 1024;
+    alignas(std::max_align_t) static char stack[STACK_SIZE];
+    stack_t other = {};
+    other.ss_sp = stack;
+    other.ss_size = STACK_SIZE;
+    sigaltstack(&other, nullptr);
+    struct sigaction action = {};
+    action.sa_handler = handler;
+    action.sa_flags = SA_ONSTACK | SA_RESTART;
+    sigemptyset(&action.sa_mask);
+    for (const int sig : handled_signals) sigaction(sig, &action, nullptr);
 }
 
 void signal_handler(int sig) {

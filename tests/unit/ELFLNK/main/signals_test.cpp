@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <csignal>
 #include <cstdlib>
 
@@ -40,6 +41,20 @@ INSTANTIATE_TEST_SUITE_P(
                     "test case including ALL of the command-line options.\n"
                     "Include all of the object files, libraries, and linker command files\n"
                     "used to link the program.\n\n"}));
+
+int use_up_the_stack(int depth) {
+    volatile char frame[4096];
+    frame[0] = char(depth);
+    return depth == INT_MAX ? 0 : use_up_the_stack(depth + 1) + frame[0];
+}
+
+TEST(signals, a_stack_without_room_is_reported_like_any_crash) {
+    const auto run = [] {
+        install_common_handlers(signal_handler, nullptr);
+        exit(use_up_the_stack(0));
+    };
+    EXPECT_EXIT(run(), testing::ExitedWithCode(2), "experienced a segmentation fault");
+}
 
 TEST(signals, the_callback_of_a_crash_is_called_with_its_number) {
     const auto run = [] {
