@@ -175,8 +175,10 @@ bool symbols_change() {
            outsym_attr_manager.has_changes();
 }
 
-// The text form of the output: --ofd=file, or on standard output behind --debug:ofd.
+// The text form of the output, with all that it can show: --ofd=file, or on standard output behind
+// --debug:ofd.
 void dump_output() {
+    output_OF_FILE()->dispflags().strings = true;
     if (const char* name = global_opts->getstrarg(OPT_ofd); name != nullptr) {
         output_OF_FILE()->save_text(name);
     } else if (debug_ofd != 0) {

@@ -158,6 +158,13 @@ void ELF_SECTION::generate_text_info(TEXT_TABLE& table) {
          {names_of_bits(shdr_.sh_flags, [this](unsigned f) { return sh_flag_name(f); }),
           names_of_bits(ext_flags(), [this](unsigned f) { return qv_sh_flag_name(f); })})
         if (!flags.empty()) kind += " " + flags;
+    const struct {
+        const char* name;
+        uint32_t value;
+    } fields[] = {
+        {" link=", shdr_.sh_link}, {" info=", shdr_.sh_info}, {" entsize=", shdr_.sh_entsize}};
+    for (const auto& field : fields)
+        if (field.value != 0) kind += field.name + std::to_string(field.value);
     table.set_string(table.nrows() - 1, 8, kind);
 }
 

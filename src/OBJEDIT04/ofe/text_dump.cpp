@@ -143,7 +143,8 @@ void OF_SECTION::generate_text_info(TEXT_TABLE& table) {
 
 void OF_SYMBOL_TABLE::save_text(FHM_FILE* to) {
     TEXT_TABLE table;
-    start_table(table, {"id", "name", "value", "size", "kind", "binding", "type", "section"});
+    start_table(
+        table, {"id", "name", "value", "size", "kind", "binding", "type", "section", "visibility"});
     for (unsigned i = 0; i < symnum_; i = next_symbol_id(i))
         if (!is_deleted(i))
             if (OF_SYMBOL* s = symbol(i)) s->generate_text_info(table);
@@ -151,6 +152,7 @@ void OF_SYMBOL_TABLE::save_text(FHM_FILE* to) {
 }
 
 void OF_SYMBOL::generate_text_info(TEXT_TABLE& table) {
+    static constexpr const char* visibilities[] = {"", "internal", "hidden", "protected"};
     const int row = table.append_rows();
     table.set_text(row, 0, "%u", id_);
     table.set_string(row, 1, name_);
@@ -160,6 +162,7 @@ void OF_SYMBOL::generate_text_info(TEXT_TABLE& table) {
     table.set_string(row, 5, OBJECT_FILE::sym_binding_name(binding()));
     table.set_string(row, 6, OBJECT_FILE::sym_type_name(type()));
     table.set_string(row, 7, refs_section() ? name_of(section()) : "");
+    table.set_string(row, 8, visibilities[visibility() & 3]);
 }
 
 // --- relocations
