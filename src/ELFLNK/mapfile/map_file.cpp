@@ -5,6 +5,7 @@
 #include <cstdarg>
 #include <cstring>
 #include <ctime>
+#include <string>
 
 #include "DIAG/elnk_msgs.h"
 #include "ELFLNK/build/build.h"
@@ -19,6 +20,8 @@
 #include "ELFLNK/table/copy_table_db.h"
 #include "ELFLNK/target/target.h"
 #include "ELFLNK/write/report_file.h"
+#include "OBJEDIT04/elf/elf_file.h"
+#include "OBJEDIT04/elf/segments/elf_seg_attr.h"
 #include "OBJEDIT04/ofe/object_file.h"
 #include "OBJEDIT04/ofe/of_symbol.h"
 #include "OPTIONGEN/option_obj.h"
@@ -137,6 +140,20 @@ void map_segments() {
     mputs("\n\n");
 }
 
+// Rows only for a target whose segments have attributes.
+void map_segment_attributes() {
+    OFE::OBJECT_FILE* output = output_OF_FILE();
+    if (output->format() != OFE::OF_FORMAT_ELF) return;
+    OFE::ELF_SEG_ATTR_DB* attributes = OFE::elf_api(output)->seg_attr_db();
+    OFE::ELF_SEG_ATTR_TABLE* rows = attributes != nullptr ? attributes->table() : nullptr;
+    if (rows == nullptr || rows->is_empty()) return;
+    TEXT_TABLE table;
+    table.set_padding(2);
+    rows->generate_text_info(table);
+    mputs("\n\nSEGMENT ATTRIBUTES\n\n");
+    mprint_table(table);
+}
+
 void take_contents_option() {
     for (unsigned i = 0; i < global_opts->getargcount(OPT_mapfile_contents); ++i)
         if (const char* value = global_opts->getstrarg(OPT_mapfile_contents, i))
@@ -177,14 +194,6 @@ void mprint_table(const TEXT_TABLE& table) {
     table.print(buffer());
 }
 
-const std::string& map_text() {
-    return buffer();
-}
-
-void clear_map_text() {
-    buffer().clear();
-}
-
 void generate_map_file() {
     static constexpr struct {
         const char* attribute;
@@ -200,11 +209,12 @@ void generate_map_file() {
     FHM_FILE* file = open_report(name);
     if (file == nullptr) return;
     take_contents_option();
-    clear_map_text();
+    buffer().clear();
     map_banner();
     for (const auto& part : parts)
         if (mdisp_flags().is_on(part.attribute)) part.part();
     Target->generate_map_file();
+    map_segment_attributes();
     map_global_symbols();
     if (mdisp_flags().is_on("sym_defs")) map_symbol_definitions();
     bool written = fwrite(buffer().data(), 1, buffer().size(), file->fp()) == buffer().size();

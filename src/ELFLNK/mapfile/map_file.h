@@ -1,11 +1,9 @@
 // The map file: the human-readable report of the link, a fixed sequence of parts that can be turned
-// on and off by
-// --mapfile_contents. It only reads the link's objects. All text is gathered in one buffer and
-// written at once.
+// on and off by --mapfile_contents. It only reads the link's objects. All text is gathered in one
+// buffer and written at once.
 #pragma once
 
 #include <cstdint>
-#include <string>
 #include <vector>
 
 #include "DIAG/disp_filter.h"
@@ -33,9 +31,6 @@ void generate_map_file();
 void mputs(const char* text);
 /// Adds a table.
 void mprint_table(const TEXT_TABLE& table);
-/// The text gathered so far; for tests.
-const std::string& map_text();
-void clear_map_text();
 
 /// The attributes of --mapfile_contents, entered by the target on first use, and the parser of its
 /// value.

@@ -10,6 +10,7 @@
 #include "OBJEDIT04/elf/segments/segment_contents.h"
 #include "UTIL/data_map.h"
 #include "UTIL/file_handle_manager.h"
+#include "UTIL/text_table.h"
 
 using namespace OFE;
 using namespace ofe_test;
@@ -347,6 +348,12 @@ TEST(segment_attributes, go_out_with_the_new_index_of_their_segment_and_come_bac
         }
         EXPECT_EQ(attributes->section()->bytes().size, 5u * 8);
         EXPECT_STREQ(attributes->tag_name(9), "PHA_0x9");
+        TEXT_TABLE table;
+        std::string text;
+        attributes->generate_text_info(table);
+        table.set_padding(2);
+        table.print(text);
+        EXPECT_EQ(text, "0  PHA_READONLY\n0  PHA_PAGE      0x5\n0  PHA_BOUND\n1  PHA_BOUND\n");
         ELF_SECTION_TABLE* sections = elf->elf_section_table();
         auto section = [&](const char* name) {
             return static_cast<ELF_SECTION*>(sections->section_name(name, 0));
