@@ -7,11 +7,19 @@
 #include <unordered_set>
 
 #include "DIAG/elnk_msgs.h"
+#include "ELFLNK/file/file_manager.h"
+#include "ELFLNK/file/obj_file.h"
 #include "ELFLNK/filter/filter.h"
 #include "ELFLNK/object/section.h"
 #include "ELFLNK/object/section_spec.h"
 #include "ELFLNK/target/abi.h"
 #include "ELFLNK/target/target.h"
+#include "OBJEDIT04/elf/elf_types.h"
+#include "OBJEDIT04/ofe/object_file.h"
+#include "OBJEDIT04/ofe/of_section_table.h"
+#include "OBJEDIT04/ofe/raw_records.h"
+#include "UTIL/savestr.h"
+#include "UTIL/strformat.h"
 
 namespace {
 
@@ -81,6 +89,52 @@ bool is_of_vector(const SECTION_SPEC* spec) {
     return spec->has_attr(PA_VECT_INIT) || (outsect != nullptr && outsect->has_attr(PA_VECT_INIT));
 }
 
+/// Calls with each section of the file that would take memory, until that says true.
+template <class TEST>
+bool any_section(OBJ_FILE* file, TEST test) {
+    OFE::OF_SECTION_TABLE* sections = file->object_file()->section_table();
+    OFE::OF_RAW_SECTION section;
+    for (unsigned id = 1; id < sections->scnnum(); ++id)
+        if (sections->raw_section(id, section) && !section.deleted && section.size != 0 &&
+            (section.flags & OFE::SHF_ALLOC) != 0 && test(section.name))
+            return true;
+    return false;
+}
+
+/// Why a specification may have nothing to take: its sections were thrown away, or have a longer
+/// name.
+std::string empty_spec_hint(const SECTION_SPEC* spec) {
+    const FILTER* filter = spec->section_filter();
+    const bool is_literal = filter != nullptr && filter->get_kind() == FILTER::PATTERN &&
+                            !FILTER::has_wildcards(filter->get_pattern());
+    const std::string beginning = is_literal ? std::string(filter->get_pattern()) + "." : "";
+    const char* longer = nullptr;
+    const char* dropped = nullptr;
+    for (OBJ_FILE* file : file_manager.object_files()) {
+        if (file->is_linker_generated() || !spec->match_file(file)) continue;
+        const auto tells = [&](const char* name) {
+            if (filter == nullptr || filter->match(name)) dropped = savestr(name);
+            if (longer == nullptr && is_literal && std::string_view(name).starts_with(beginning))
+                longer = savestr(name);
+            return dropped != nullptr;
+        };
+        if (any_section(file, tells))
+            return strformat("; \"%s\" has %s, to which nothing refers; --retain=*(%s) keeps it",
+                             file->unique_name(), dropped, dropped);
+    }
+    if (longer == nullptr) return "";
+    return strformat("; there is %s, which %s* would take", longer, filter->get_pattern());
+}
+
+void report_no_match(const SECTION_SPEC* spec) {
+    constexpr unsigned MOST_HINTS = 20; // each looks at all sections
+    static unsigned hints = 0;
+    DIAG::elnk_no_matching_section message(__FILE__, __LINE__);
+    message.set_src(&spec->source_position());
+    if (DIAGNOSTIC::verbose_m && hints++ < MOST_HINTS) message.set_hint(empty_spec_hint(spec));
+    message.report();
+}
+
 void report_empty_spec(const SECTION_SPEC* spec, const std::vector<SECTION_SPEC*>& takers,
                        const TAKEN_NAMES& names) {
     const bool ask = names.may_match(spec->section_filter());
@@ -94,7 +148,7 @@ void report_empty_spec(const SECTION_SPEC* spec, const std::vector<SECTION_SPEC*
     if (is_of_vector(spec))
         DIAG_REPORT_AT(&spec->source_position(), elnk_vect_init, spec->name());
     else
-        DIAG_REPORT_AT(&spec->source_position(), elnk_no_matching_section);
+        report_no_match(spec);
 }
 
 } // namespace

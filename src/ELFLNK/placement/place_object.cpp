@@ -9,6 +9,7 @@
 #include "ELFLNK/memmap/memory_map.h"
 #include "ELFLNK/object/collection.h"
 #include "ELFLNK/placement/placement.h"
+#include "ELFLNK/symbol/similar_names.h"
 #include "ELFLNK/target/abi.h"
 #include "ELFLNK/target/target.h"
 #include "UTIL/strformat.h"
@@ -62,13 +63,23 @@ void report_ambiguous_page(const LINKER_OBJECT* object) {
     DIAG_REPORT_AT(&object->source_position(), elnk_ambiguous_page, object->name());
 }
 
+std::string similar_range_hint(const char* name) {
+    SIMILAR_NAMES similar({name});
+    for (const MEMORY_RANGE* range : *memory_map) similar.offer(range->name(), nullptr);
+    const std::string_view found = similar.best(0).name;
+    return found.empty() ? "" : "; there is " + std::string(found);
+}
+
 /// Once per mention in the command file: sections that the linker makes are placed like the user's
 /// and repeat their wishes.
 void report_unknown_range(const char* name, int page, const SOURCE_POSITION* pos) {
     std::string mention = strformat("%s\n%d\n", name, page);
     if (pos != nullptr) mention += strformat("%s\n%u:%u", pos->file(), pos->line(), pos->column());
-    if (placement_state().unknown_ranges_reported.insert(mention).second)
-        DIAG_REPORT_AT(pos, elnk_place_bad_range, name, page);
+    if (!placement_state().unknown_ranges_reported.insert(mention).second) return;
+    DIAG::elnk_place_bad_range message(__FILE__, __LINE__, name, page);
+    message.set_src(pos);
+    if (DIAGNOSTIC::verbose_m) message.set_hint(similar_range_hint(name));
+    message.report();
 }
 
 } // namespace
