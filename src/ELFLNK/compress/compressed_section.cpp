@@ -9,8 +9,10 @@
 #include "ELFLNK/file/file_manager.h"
 #include "ELFLNK/file/obj_file.h"
 #include "ELFLNK/load/file_symbols.h"
+#include "ELFLNK/locator/locator.h"
+#include "ELFLNK/memmap/fill_spec.h"
+#include "ELFLNK/object/fill_data.h"
 #include "ELFLNK/object/root_collection.h"
-#include "ELFLNK/placement/fill/fill.h"
 #include "ELFLNK/symbol/symbol_table.h"
 #include "ELFLNK/target/abi.h"
 #include "ELFLNK/target/internal_section.h"
@@ -163,6 +165,16 @@ static void copy_leaf(LINKER_OBJECT* leaf, OFE::OF_SECTION* to, uint32_t offset)
         Target->finalize_copied_data(input, bytes, size);
 }
 
+// What is unpacked has a fill in its gaps like what is stored as it is. The run image has no load
+// placement any more, for which gaps would have become members.
+void COMPRESSED_SECTION::fill_gaps() {
+    OFE::OF_SECTION* to = OF_SECTION_api();
+    to->set_run_addr(static_cast<uint32_t>(run_->run_address())); // what patterns are anchored to
+    const LOCATOR* run = run_->run_locator();
+    FILL_SPEC* fill = FILL_SPEC::of_gaps(run_, run != nullptr ? run->range() : nullptr);
+    if (fill->value() != 0) fill_data(to, 0, narrow<uint32_t>(run_->size()), fill);
+}
+
 void COMPRESSED_SECTION::copy_data() {
     OFE::OF_SECTION* to = OF_SECTION_api();
     std::vector<LINKER_OBJECT*> leaves;
@@ -187,7 +199,7 @@ bool COMPRESSED_SECTION::copy_uncompressed_data() {
         define_load_section_symbols();
         if (!is_compressible()) return false;
         OF_SECTION_api()->set_size(narrow<uint32_t>(run_->size()));
-        fill_collection(run_);
+        fill_gaps();
         copy_data();
         mark_run_image_uninitialized();
     }

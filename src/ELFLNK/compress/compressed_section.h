@@ -57,6 +57,7 @@ class COMPRESSED_SECTION : public SECTION {
     bool syms_in_collection_have_final_values();
     bool section_has_final_values(SECTION* section);
     void report_not_performed();
+    void fill_gaps();
     void copy_data();
     void mark_run_image_uninitialized();
     DATA_MAP& data_to_encode();

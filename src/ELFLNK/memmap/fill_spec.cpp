@@ -8,6 +8,7 @@
 
 #include "DIAG/elnk_msgs.h"
 #include "DIAG/source_position.h"
+#include "ELFLNK/memmap/memory_range.h"
 #include "ELFLNK/object/collection.h"
 #include "ELFLNK/target/abi.h"
 #include "ELFLNK/target/target.h"
@@ -105,4 +106,10 @@ FILL_SPEC* FILL_SPEC::get_required_pad_fill(const COLLECTION* collection) {
     ABI* abi = Target->abi();
     return abi->pads_code_with_nops() && collection->has_attr(PA_EXEC) ? abi->get_nop_fill()
                                                                        : nullptr;
+}
+
+FILL_SPEC* FILL_SPEC::of_gaps(const COLLECTION* collection, MEMORY_RANGE* range) {
+    if (FILL_SPEC* nops = get_required_fill(collection)) return nops;
+    if (collection->fill() != nullptr) return collection->fill();
+    return range != nullptr && range->has_fill() ? range->fill() : default_fill();
 }

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 class COLLECTION;
+class MEMORY_RANGE;
 class SOURCE_POSITION;
 
 class FILL_SPEC {
@@ -38,6 +39,9 @@ class FILL_SPEC {
     /// No-operation fill where the ABI fills, or pads, code with it; else null.
     static FILL_SPEC* get_required_fill(const COLLECTION* collection);
     static FILL_SPEC* get_required_pad_fill(const COLLECTION* collection);
+    /// Fill of the gaps of a collection in a range, which may be null: the first that somebody
+    /// gave.
+    static FILL_SPEC* of_gaps(const COLLECTION* collection, MEMORY_RANGE* range);
 
   private:
     uint64_t value_;

@@ -157,3 +157,18 @@ a.o sections.o --rom_model --retain=*(.zeros) keep.cmd -o out.elf --map_file=out
 __QV_zero_init 0x1001 .text
 __QV_decompress_lzss -
 __QV_decompress_none -
+--- case the gaps of what is stored encoded have their fill, anchored to the addresses where it runs
+--- gaps.cmd
+SECTIONS {
+    .text  : { *(.text*) *(.pointer) } > ROM
+    .unpack : > ROM
+    .cinit : > ROM
+    .ovly : > ROM
+    .vars  : { . += 3; *(.vars) . += 2; } LOAD > ROM, RUN > 0x8001, fill = 0x1234, table(t, compression=rle)
+    .zeros : > 0x8100
+    .once  : > 0x8200, type=NOINIT
+}
+--- args
+a.o run.o mem.cmd gaps.cmd -o out.elf -e _c_int00 --symbol_map=__QV_CINIT_Base=_c_int00
+--- bytes .vars.load
+00 00  12 34 12  00 20 07  34 12  00 00 00 00
