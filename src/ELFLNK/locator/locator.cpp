@@ -188,8 +188,21 @@ bool LOCATOR::less_by_address(const LOCATOR* a, const LOCATOR* b) {
 }
 
 void LOCATOR::sort_by_address(LOCATOR_LIST& list) {
-    if (!std::is_sorted(list.begin(), list.end(), less_by_address))
-        std::stable_sort(list.begin(), list.end(), less_by_address);
+    struct KEY {
+        uint64_t address;
+        uint64_t end;
+        LOCATOR* locator;
+        bool operator<(const KEY& b) const {
+            if (address != b.address) return address < b.address;
+            return end != b.end ? end < b.end : less_by_address(locator, b.locator);
+        }
+    };
+    std::vector<KEY> keys;
+    keys.reserve(list.size());
+    for (LOCATOR* locator : list) keys.push_back({locator->address_, locator->end_, locator});
+    if (std::is_sorted(keys.begin(), keys.end())) return;
+    std::stable_sort(keys.begin(), keys.end());
+    std::transform(keys.begin(), keys.end(), list.begin(), [](const KEY& k) { return k.locator; });
 }
 
 void LOCATOR::sort_by_address_rev(LOCATOR_LIST& list) {

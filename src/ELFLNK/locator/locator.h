@@ -328,7 +328,8 @@ class LOCATOR : public OALLOC<LOCATOR> {
   private:
     struct UNPLACED {
         LOCATOR* item;
-        uint64_t least; ///< room that it needs; 0 where it must be asked
+        uint64_t least;     ///< room that it needs; 0 where it must be asked
+        uint64_t alignment; ///< of its start in a hole
     };
     /// What a plain member of an output section doesn't have.
     struct MORE {
@@ -370,6 +371,7 @@ class LOCATOR : public OALLOC<LOCATOR> {
                       bool* needed);
     bool overlay_test_is_on();
     uint64_t smallest_hole();
+    uint64_t alignment_in_hole() const;
     void note_attempt_in_vain(const MEMORY_RANGE* range);
     void prepare_collection();
     bool settle_start(MEMORY_RANGE* trial);
@@ -390,6 +392,7 @@ class LOCATOR : public OALLOC<LOCATOR> {
     bool place_member(LOCATOR* sub, MEMORY_RANGE* trial, uint64_t& cursor);
     bool place_members(MEMORY_RANGE* trial);
     bool place_split_members(MEMORY_RANGE* trial);
+    bool place_split_member(LOCATOR* sub, MEMORY_RANGE* trial);
     std::vector<UNPLACED> take_unplaced();
     void coalesce_item(LOCATOR* item);
     void bind_pad(LINKER_OBJECT* member, LOCATOR* run);

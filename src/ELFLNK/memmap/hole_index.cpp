@@ -9,7 +9,8 @@ void HOLE_INDEX::reset() {
     nodes_.clear();
     free_.clear();
     seed_ = 0x9E3779B9U;
-    root_ = new_node({0, TOP});
+    root_ = NIL;
+    tail_ = 0;
 }
 
 unsigned HOLE_INDEX::class_of(uint64_t align) {
@@ -36,7 +37,7 @@ HOLE_INDEX::INDEX HOLE_INDEX::new_node(HOLE hole) {
 void HOLE_INDEX::update(INDEX n) {
     NODE& node = nodes_[n];
     for (unsigned c = 0; c < CLASSES; ++c) {
-        uint64_t most = usable_length(node.hole.start, node.hole.end, uint64_t{1} << c);
+        uint32_t most = saturated(usable_length(node.hole.start, node.hole.end, uint64_t{1} << c));
         if (node.left != NIL) most = std::max(most, nodes_[node.left].usable[c]);
         if (node.right != NIL) most = std::max(most, nodes_[node.right].usable[c]);
         node.usable[c] = most;
@@ -125,6 +126,11 @@ const HOLE_INDEX::NODE* HOLE_INDEX::hole_around(uint64_t address) const {
 }
 
 bool HOLE_INDEX::occupy(uint64_t start, uint64_t end) {
+    if (start >= tail_) {
+        insert({tail_, start});
+        tail_ = end;
+        return true;
+    }
     const NODE* around = hole_around(start);
     if (around == nullptr || end > around->hole.end) return false;
     const HOLE hole = around->hole;
@@ -142,6 +148,11 @@ bool HOLE_INDEX::occupy(uint64_t start, uint64_t end) {
 void HOLE_INDEX::release(uint64_t start, uint64_t end, bool join_front, bool join_behind) {
     HOLE hole{start, end};
     const NODE* front = join_front && start != 0 ? hole_around(start - 1) : nullptr;
+    if (end == tail_ && (join_behind || tail_ == TOP)) {
+        tail_ = front != nullptr ? front->hole.start : start;
+        if (front != nullptr) erase(tail_);
+        return;
+    }
     const NODE* behind = join_behind ? hole_around(end) : nullptr;
     if (behind != nullptr) {
         hole.end = behind->hole.end;
@@ -160,6 +171,12 @@ void HOLE_INDEX::release(uint64_t start, uint64_t end, bool join_front, bool joi
 }
 
 void HOLE_INDEX::cut(uint64_t address) {
+    if (address >= tail_) {
+        if (address == TOP) return;
+        insert({tail_, address});
+        tail_ = address;
+        return;
+    }
     const NODE* around = hole_around(address);
     if (around == nullptr || around->hole.start == address) return;
     const HOLE hole = around->hole;
@@ -168,20 +185,25 @@ void HOLE_INDEX::cut(uint64_t address) {
 }
 
 void HOLE_INDEX::heal(uint64_t address) {
-    if (address == 0) return;
-    const NODE* behind = hole_around(address);
-    if (behind == nullptr || behind->hole.start != address) return;
-    const uint64_t end = behind->hole.end;
+    if (address == 0 || address == TOP) return;
     const NODE* front = hole_around(address - 1);
     if (front == nullptr || front->hole.end != address) return;
     const uint64_t start = front->hole.start;
+    if (address == tail_) {
+        erase(start);
+        tail_ = start;
+        return;
+    }
+    const NODE* behind = hole_around(address);
+    if (behind == nullptr || behind->hole.start != address) return;
+    const uint64_t end = behind->hole.end;
     erase(address);
     set_bounds(root_, start, {start, end});
 }
 
 /// Lowest hole of the subtree that starts at or above `from` and has `size` usable.
 HOLE_INDEX::INDEX HOLE_INDEX::leftmost(INDEX n, uint64_t from, uint64_t size, unsigned cls) const {
-    while (n != NIL && nodes_[n].usable[cls] >= size) {
+    while (n != NIL && nodes_[n].usable[cls] >= saturated(size)) {
         const NODE& node = nodes_[n];
         if (node.hole.start >= from) {
             INDEX lower = leftmost(node.left, from, size, cls);
@@ -195,7 +217,7 @@ HOLE_INDEX::INDEX HOLE_INDEX::leftmost(INDEX n, uint64_t from, uint64_t size, un
 
 /// Highest hole of the subtree that starts below the key and is `size` long.
 HOLE_INDEX::INDEX HOLE_INDEX::rightmost(INDEX n, uint64_t below, uint64_t size) const {
-    while (n != NIL && nodes_[n].usable[0] >= size) {
+    while (n != NIL && nodes_[n].usable[0] >= saturated(size)) {
         const NODE& node = nodes_[n];
         if (node.hole.start < below) {
             INDEX higher = rightmost(node.right, below, size);
@@ -217,16 +239,19 @@ bool HOLE_INDEX::first_fit(uint64_t from, uint64_t to, uint64_t size, uint64_t a
         *out = hole;
         return true;
     };
-    const NODE* around = hole_around(from);
-    if (around != nullptr && fits(around->hole)) return true;
-    uint64_t next = around != nullptr ? around->hole.end : from;
     const unsigned cls = class_of(align);
-    for (;;) {
-        INDEX n = leftmost(root_, next, size, cls);
-        if (n == NIL || nodes_[n].hole.start >= to) return false;
-        if (fits(nodes_[n].hole)) return true;
-        next = nodes_[n].hole.end; // an alignment above the classes, or the upper bound
+    if (from < tail_ && root_ != NIL && nodes_[root_].usable[cls] >= saturated(size)) {
+        const NODE* around = hole_around(from);
+        if (around != nullptr && fits(around->hole)) return true;
+        uint64_t next = around != nullptr ? around->hole.end : from;
+        for (;;) {
+            INDEX n = leftmost(root_, next, size, cls);
+            if (n == NIL || nodes_[n].hole.start >= to) break;
+            if (fits(nodes_[n].hole)) return true;
+            next = nodes_[n].hole.end; // an alignment above the classes, or the upper bound
+        }
     }
+    return fits(tail_hole());
 }
 
 bool HOLE_INDEX::last_fit(uint64_t from, uint64_t to, uint64_t size, HOLE* out) const {
@@ -237,6 +262,7 @@ bool HOLE_INDEX::last_fit(uint64_t from, uint64_t to, uint64_t size, HOLE* out) 
         *out = hole;
         return true;
     };
+    if (fits(tail_hole())) return true;
     const NODE* top = hole_below(to);
     if (top == nullptr) return false;
     if (fits(top->hole)) return true;
@@ -245,6 +271,7 @@ bool HOLE_INDEX::last_fit(uint64_t from, uint64_t to, uint64_t size, HOLE* out) 
 }
 
 uint64_t HOLE_INDEX::tail() const {
+    if (tail_ < TOP) return tail_;
     const NODE* top = hole_below(TOP);
     return top != nullptr ? top->hole.start : TOP;
 }

@@ -3,10 +3,12 @@
 // First fit over tens of thousands of objects may not walk what is already placed. So the free
 // gaps are kept in a treap ordered by address, each node knowing the largest object that fits into
 // a hole below it, for each small alignment. The lowest or highest hole that will do is one walk
-// down. Holes may touch: an item of size 0 cuts free space in two without using any. Releasing
-// undoes occupying, in any order.
+// down. The free space behind everything stands beside the treap: most objects go to its start.
+// Holes may touch: an item of size 0 cuts free space in two without using any. Releasing undoes
+// occupying, in any order.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -51,7 +53,7 @@ class HOLE_INDEX {
     bool last_fit(uint64_t from, uint64_t to, uint64_t size, HOLE* out) const;
     /// Start of the highest hole: nothing is placed behind it. TOP if there is none.
     uint64_t tail() const;
-    std::size_t count() const { return nodes_.size() - free_.size(); }
+    std::size_t count() const { return nodes_.size() - free_.size() + (tail_ < TOP ? 1 : 0); }
 
   private:
     using INDEX = uint32_t;
@@ -60,13 +62,18 @@ class HOLE_INDEX {
     static constexpr unsigned CLASSES = 6;
     struct NODE {
         HOLE hole;
-        std::array<uint64_t, CLASSES> usable; // most in any hole of the subtree
+        /// Most in any hole of the subtree; all ones for that much or more.
+        std::array<uint32_t, CLASSES> usable;
         INDEX left;
         INDEX right;
         uint32_t priority;
     };
 
     static unsigned class_of(uint64_t align);
+    static uint32_t saturated(uint64_t length) {
+        return static_cast<uint32_t>(std::min<uint64_t>(length, ~uint32_t{0}));
+    }
+    HOLE tail_hole() const { return {tail_, TOP}; }
     void insert(HOLE hole);
     void erase(uint64_t start);
     INDEX new_node(HOLE hole);
@@ -83,5 +90,6 @@ class HOLE_INDEX {
     std::vector<NODE> nodes_;
     std::vector<INDEX> free_;
     INDEX root_ = NIL;
+    uint64_t tail_ = 0; // [tail_, TOP) is free, and no node's hole reaches it
     uint32_t seed_ = 0;
 };

@@ -125,7 +125,9 @@ void MEMORY_RANGE::add_item(LOCATOR* locator, bool is_subitem) {
     if (!is_subitem) enter(locator);
     if (parent_ != nullptr) return;
     if (is_grouping(locator)) {
-        for (LOCATOR* sub : locator->sub_items()) add_item(sub, true);
+        for (LOCATOR* sub : locator->sub_items())
+            if (locator->is_virtual() || !sub->is_virtual()) // or it has a range of its own
+                add_item(sub, true);
         return;
     }
     insert_ordered(leaf_contents_, locator);
@@ -141,7 +143,53 @@ void MEMORY_RANGE::remove_item(LOCATOR* locator, bool is_subitem) {
     leaf_contents_.erase(locator);
 }
 
+namespace {
+
+/// Takes the items out of the set and shows each that was in it. What stands behind an item is
+/// looked at before the set is searched.
+template <class VISIT>
+void erase_all(LOCATOR_SET& set, const LOCATOR_LIST& items, VISIT visit) {
+    auto at = set.end();
+    for (LOCATOR* item : items) {
+        if (at == set.end() || *at != item) at = set.find(item);
+        if (at == set.end()) continue;
+        at = set.erase(at);
+        visit(item);
+    }
+}
+
+} // namespace
+
+void MEMORY_RANGE::remove_items(const LOCATOR_LIST& items) {
+    visited_valid_ = false;
+    erase_all(contents_, items, [this](LOCATOR* item) {
+        if (item->has_flag(LF_TRAMP_RES)) --reserved_trampolines_;
+    });
+    forget_holes();
+    if (parent_ != nullptr) return;
+    LOCATOR_LIST leaves;
+    for (LOCATOR* item : items)
+        if (is_grouping(item))
+            for (LOCATOR* sub : item->sub_items()) remove_item(sub, true);
+        else
+            leaves.push_back(item);
+    erase_all(leaf_contents_, leaves, [](LOCATOR*) {});
+}
+
+bool MEMORY_RANGE::follows_directly(LOCATOR* second, LOCATOR* first) const {
+    if (!visited_valid_ || *visited_ != first) {
+        visited_ = contents_.find(first);
+        visited_valid_ = visited_ != contents_.end();
+        if (!visited_valid_) return false;
+    }
+    auto next = std::next(visited_);
+    if (next == contents_.end() || *next != second) return false;
+    visited_ = next;
+    return true;
+}
+
 void MEMORY_RANGE::clear_contents() {
+    visited_valid_ = false;
     if (!contents_.empty()) contents_.clear();
     if (!leaf_contents_.empty()) leaf_contents_.clear();
     reserved_trampolines_ = 0;
@@ -202,6 +250,7 @@ void MEMORY_RANGE::take_from_holes(uint64_t start, uint64_t end) const {
 void MEMORY_RANGE::leave(LOCATOR* locator) {
     auto at = contents_.find(locator);
     if (at == contents_.end()) return;
+    visited_valid_ = false;
     contents_.erase(at);
     if (locator->has_flag(LF_TRAMP_RES)) --reserved_trampolines_;
     if (!holes_valid_) return;

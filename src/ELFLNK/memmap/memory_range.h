@@ -107,7 +107,11 @@ class MEMORY_RANGE {
     const LOCATOR_SET& leaf_contents() const { return leaf_contents_; }
     void add_item(LOCATOR* locator, bool is_subitem = false);
     void remove_item(LOCATOR* locator, bool is_subitem = false);
+    /// The same for items of which each mostly stands behind the one before.
+    void remove_items(const std::vector<LOCATOR*>& items);
     void clear_contents();
+    /// Does the second of the contents follow the first with nothing between them?
+    bool follows_directly(LOCATOR* second, LOCATOR* first) const;
     LOCATOR* locator_for_address(uint64_t address) const;
     LOCATOR* leaf_locator_for_address(uint64_t address) const;
     /// How many of the contents are reserved trampolines.
@@ -164,6 +168,8 @@ class MEMORY_RANGE {
     MEMORY_RANGE* parent_ = nullptr;
     LOCATOR_SET contents_;
     LOCATOR_SET leaf_contents_;
+    mutable LOCATOR_SET::const_iterator visited_; // where follows_directly() was last
+    mutable bool visited_valid_ = false;
     unsigned reserved_trampolines_ = 0;
 
     // Derived from contents_: the holes, and the space that items cover. Made when first asked for.

@@ -1,8 +1,8 @@
 // Membership of collections, and the walks over what is below them.
 //
 // A member knows its place in its parent's list, so leaving is O(1) however long the list is.
-#include "ELFLNK/compress/compress_db.h"
 #include "ELFLNK/object/collection.h"
+#include "ELFLNK/compress/compress_db.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -116,11 +116,11 @@ void COLLECTION::set_member_order(const std::vector<LINKER_OBJECT*>& order) {
 void COLLECTION::transfer_sspec_members(SECTION_SPEC* spec, MEMBER_LIST::iterator before) {
     COLLECTION* from = spec;
     for (LINKER_OBJECT* obj : from->members_) {
-        link_member(before, obj);
+        obj->parent_ = this;
         merge_placement_attributes(obj->attrs());
         if (spec->fill() != nullptr) obj->add_fill(spec->fill(), nullptr);
     }
-    from->members_.clear();
+    members_.splice(before, from->members_);
     from->flush_size();
     flush_size();
 }

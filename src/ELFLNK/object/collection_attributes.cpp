@@ -13,6 +13,7 @@
 #include "ELFLNK/object/collection.h"
 #include "ELFLNK/object/space.h"
 #include "OBJEDIT04/ofe/object_file.h"
+#include "UTIL/prefetch.h"
 
 void COLLECTION::set_placement_attributes() {
     set_attributes_from_members(is_output_section());
@@ -68,13 +69,13 @@ void COLLECTION::set_attributes_from_members(bool in_outsect) {
     uint32_t held_by_all = HELD_BY_ALL;
     std::vector<LINKER_OBJECT*> noinit;
     std::vector<LINKER_OBJECT*> other;
-    for (LINKER_OBJECT* member : members_) {
+    visit_ahead(members_, prefetch<LINKER_OBJECT>, [&](LINKER_OBJECT* member) {
         if (COLLECTION* below = as_collection(member)) below->set_attributes_from_members(inside);
         merge_placement_attributes(member->attrs());
         if (inside) (member->has_attr(PA_NOINIT) ? noinit : other).push_back(member);
         raise_alignment(static_cast<uint32_t>(alignment_of(member)));
         held_by_all &= member->attrs();
-    }
+    });
     if (!has_attr(PA_ALLOCATED) && symbol_needs_memory(this)) set_attr(PA_ALLOCATED);
     if (!members_.empty()) set_attr(held_by_all);
     verify_consistent_noinit_vals(noinit, other);
@@ -95,13 +96,13 @@ void COLLECTION::propagate_attributes_into_members(bool in_outsect) {
     const uint32_t down =
         inside ? attrs() & (PA_HAS_DATA | PA_READONLY | PA_BOUND | PA_NE_DATA) : 0;
     const bool allocate = kind_ != COLLECTION_LOGICAL && has_attr(PA_ALLOCATED);
-    for (LINKER_OBJECT* member : members_) {
+    visit_ahead(members_, prefetch<LINKER_OBJECT>, [&](LINKER_OBJECT* member) {
         member->set_attr(down);
         if (allocate && (!member->has_attr(PA_COPY | PA_DSECT) || member->has_attr(PA_PMDATA)))
             member->set_attr(PA_ALLOCATED);
         if (COLLECTION* below = as_collection(member))
             below->propagate_attributes_into_members(inside);
-    }
+    });
     flush_size();
 }
 

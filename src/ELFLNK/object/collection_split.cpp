@@ -13,6 +13,7 @@
 #include "ELFLNK/object/section_spec.h"
 #include "ELFLNK/target/abi.h"
 #include "ELFLNK/target/target.h"
+#include "UTIL/prefetch.h"
 #include "UTIL/savestr.h"
 
 namespace {
@@ -137,13 +138,14 @@ void COLLECTION::split_outsect() {
     ::sort_by_run_address(pieces);
 
     std::vector<LINKER_OBJECT*> group;
-    for (LINKER_OBJECT* piece : pieces) {
+    auto place_piece = [&](LINKER_OBJECT* piece) {
         if (!group.empty() && !(piece->is_placed() && can_coalesce(group, piece))) {
             coalesce_into_outsect(group);
             group.clear();
         }
         group.push_back(piece);
-    }
+    };
+    visit_ahead(pieces, prefetch<LINKER_OBJECT>, place_piece);
     if (!group.empty()) coalesce_into_outsect(group);
 
     root_collection->remove_outsect(this);

@@ -4,6 +4,7 @@
 #include <cctype>
 
 #include "DIAG/elnk_msgs.h"
+#include "ELFLNK/file/file_manager.h"
 #include "ELFLNK/file/obj_file.h"
 #include "ELFLNK/target/abi.h"
 #include "ELFLNK/target/target.h"
@@ -61,6 +62,11 @@ OFE::OF_SECTION* SECTION::OF_SECTION_api() {
     return section_;
 }
 
+bool SECTION::is_plain_input() const {
+    return file_ != nullptr && file_ != file_manager.internal_file() && section_ != nullptr &&
+           !has_attr(PA_PMDATA) && !is_jump_ent() && !is_exidx();
+}
+
 void SECTION::set_elf_scn_attributes() {
     OFE::OF_RAW_SECTION header;
     if (!section_->section_table()->raw_section(section_->id(), header)) return;
@@ -88,8 +94,14 @@ void SECTION::set_elf_scn_attributes() {
 }
 
 uint64_t SECTION::size() {
+    if (size_kept_) return kept_size_;
     OFE::OF_SECTION* section = OF_SECTION_api();
-    return section != nullptr ? section->size() : 0;
+    const unsigned size = section != nullptr ? section->size() : 0;
+    if (is_plain_input()) {
+        kept_size_ = size;
+        size_kept_ = true;
+    }
+    return size;
 }
 
 uint32_t SECTION::alignment() const {

@@ -71,6 +71,8 @@ class SECTION : public LINKER_OBJECT, public OALLOC<SECTION> {
     void set_elf_scn_attributes();
 
     bool relocated_ = false;
+    bool size_kept_ = false;
+    uint32_t kept_size_ = 0;
     uint32_t preferred_priority_ = 0;
     OBJ_FILE* file_ = nullptr;
     OFE::OF_SECTION* section_ = nullptr;

@@ -92,6 +92,7 @@ void LOCATOR::fail_placement(const std::vector<MEMORY_RANGE*>& list, bool report
 /// Members that have a place keep it; the others are marked.
 void LOCATOR::set_split_failed_placement() {
     set_flag(LF_SPLIT_FAILED);
+    if (more_ != nullptr) more_->unplaced.clear();
     for (LOCATOR* sub : sub_items()) {
         if (stands_in_root(sub)) continue;
         if (sub->is_split())

@@ -152,6 +152,11 @@ uint64_t LOCATOR::smallest_hole() {
     return std::max<uint64_t>(1, laid_out ? object_->size() : object_->est_size_min());
 }
 
+/// What the start of an attempt in a hole is a multiple of.
+uint64_t LOCATOR::alignment_in_hole() const {
+    return has_flag(LF_ALIGN) && align_ >= 2 && !is_split() ? align_ : 1;
+}
+
 /// The same search by the index of holes: one step per hole in which an attempt may succeed.
 bool LOCATOR::search_holes(MEMORY_RANGE* range, MEMORY_RANGE* trial, uint64_t start, uint64_t final,
                            bool* needed) {
@@ -183,14 +188,19 @@ bool LOCATOR::search_holes(MEMORY_RANGE* range, MEMORY_RANGE* trial, uint64_t st
         if (!must_consolidate(final, start)) note_attempt_in_vain(range);
         return false;
     }
-    uint64_t alignment = has_flag(LF_ALIGN) && align_ >= 2 && !is_split() ? align_ : 1;
-    while (range->first_hole(start, final, length, alignment, &hole)) {
+    while (range->first_hole(start, final, length, alignment_in_hole(), &hole)) {
         if (must_consolidate(start, hole.start)) return false;
         if (try_hole(hole)) return true;
         if (must_consolidate(hole.start, hole.end)) return false;
         start = hole.end;
     }
-    if (!must_consolidate(start, final)) note_attempt_in_vain(range);
+    if (must_consolidate(start, final)) return false;
+    // Members of size 0 of what is split need no room behind what is there.
+    const LOCATOR_SET& contents = range->contents();
+    if (is_split() && !contents.empty() && (*contents.rbegin())->end_ == final &&
+        try_hole({final, final}))
+        return true;
+    note_attempt_in_vain(range);
     return false;
 }
 

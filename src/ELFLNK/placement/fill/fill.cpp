@@ -17,6 +17,7 @@
 #include "ELFLNK/target/target.h"
 #include "OBJEDIT04/ofe/of_section.h"
 #include "OPTIONGEN/register_option.h"
+#include "UTIL/prefetch.h"
 #include "UTIL/savestr.h"
 #include "UTIL/trace.h"
 
@@ -65,18 +66,10 @@ void fill_range(MEMORY_RANGE* range) {
     if (throughout) fill_range_gap(range, cursor, range->end(), fill);
 }
 
-/// The fill of a collection's gaps: the first that somebody gave.
-FILL_SPEC* fill_of(const COLLECTION* collection, const LOCATOR* locator) {
-    if (FILL_SPEC* nops = FILL_SPEC::get_required_fill(collection)) return nops;
-    if (collection->fill() != nullptr) return collection->fill();
-    const MEMORY_RANGE* range = locator->range();
-    if (range != nullptr && range->has_fill()) return range->fill();
-    return FILL_SPEC::default_fill();
-}
-
-void fill_collection_gap(COLLECTION* collection, uint64_t load_from, uint64_t run_from,
-                         uint64_t load_to, FILL_SPEC* fill) {
-    if (load_to <= load_from || collection->kind() == COLLECTION_LOGICAL) return;
+/// Fills the gap in front of load_to and answers with the new member; null without a gap.
+LINKER_OBJECT* fill_collection_gap(COLLECTION* collection, uint64_t load_from, uint64_t run_from,
+                                   uint64_t load_to, FILL_SPEC* fill) {
+    if (load_to <= load_from || collection->kind() == COLLECTION_LOGICAL) return nullptr;
     const uint64_t size = load_to - load_from;
     auto* space = new SPACE("<space>", size);
     space->override_fill(fill);
@@ -86,6 +79,7 @@ void fill_collection_gap(COLLECTION* collection, uint64_t load_from, uint64_t ru
         load->place_hole(space, load_from, load_from + size);
     collection->add_member(space, true);
     trace_fill.printf("0x%08lx-0x%08lx: filled with %s\n", load_from, load_to, fill->str());
+    return space;
 }
 
 bool has_initialized_data(SECTION* section) {
@@ -107,14 +101,6 @@ void inherit_fill(LINKER_OBJECT* member, FILL_SPEC* fill) {
     }
 }
 
-void order_by_load_address(COLLECTION* collection) {
-    std::vector<LINKER_OBJECT*> members(collection->members().begin(), collection->members().end());
-    if (LINKER_OBJECT::sort_placed_by_load_address(members))
-        collection->set_member_order(members);
-    else
-        collection->sort_members(LINKER_OBJECT::less_than_load_address);
-}
-
 } // namespace
 
 void fill_collection(LINKER_OBJECT* obj) {
@@ -126,29 +112,41 @@ void fill_collection(LINKER_OBJECT* obj) {
         trace_fill.printf("\nCollection has no load placement; skipping\n");
         return;
     }
-    FILL_SPEC* fill = fill_of(collection, locator);
+    FILL_SPEC* fill = FILL_SPEC::of_gaps(collection, locator->range());
     trace_fill.printf("\n--> Collection %s (kind = %s, fill = %s%s): \n", collection->name(),
                       collection->collection_kind_name(), fill->str(),
                       fill == FILL_SPEC::default_fill() ? " [default]" : "");
 
     std::vector<LINKER_OBJECT*> members(collection->members().begin(), collection->members().end());
-    if (!LINKER_OBJECT::sort_placed_by_load_address(members))
+    const bool all_placed =
+        locator->is_placed() && LINKER_OBJECT::sort_placed_by_load_address(members);
+    if (!all_placed)
         std::sort(members.begin(), members.end(), LINKER_OBJECT::less_than_load_address);
+    std::vector<LINKER_OBJECT*> filled; // members and what fills the gaps between them, in order
+    filled.reserve(members.size());
+    auto fill_gap = [&](uint64_t load_from, uint64_t run_from, uint64_t load_to) {
+        if (auto* space = fill_collection_gap(collection, load_from, run_from, load_to, fill))
+            filled.push_back(space);
+    };
     uint64_t load_cursor = obj->load_address();
     uint64_t run_cursor = obj->run_address();
     const uint64_t load_end = load_cursor + collection->size();
-    for (LINKER_OBJECT* member : members) {
+    visit_ahead(members, prefetch<LINKER_OBJECT>, [&](LINKER_OBJECT* member) {
         const uint64_t load = member->load_address();
-        fill_collection_gap(collection, load_cursor, run_cursor, load, fill);
+        fill_gap(load_cursor, run_cursor, load);
+        filled.push_back(member);
         inherit_fill(member, fill);
         if (member->is_collection()) fill_collection(member);
         const uint64_t size = member->size();
-        if (load + size <= load_cursor) continue;
+        if (load + size <= load_cursor) return;
         load_cursor = load + size;
         run_cursor = member->run_address() + size;
-    }
-    fill_collection_gap(collection, load_cursor, run_cursor, load_end, fill);
-    order_by_load_address(collection);
+    });
+    fill_gap(load_cursor, run_cursor, load_end);
+    if (all_placed)
+        collection->set_member_order(filled);
+    else
+        collection->sort_members(LINKER_OBJECT::less_than_load_address);
 }
 
 void fill_holes() {

@@ -14,6 +14,7 @@
 #include "ELFLNK/object/collection.h"
 #include "ELFLNK/object/space.h"
 #include "ELFLNK/placement/order/worklist.h"
+#include "UTIL/prefetch.h"
 
 namespace {
 
@@ -120,8 +121,13 @@ bool LOCATOR::place_member(LOCATOR* sub, MEMORY_RANGE* trial, uint64_t& cursor) 
 
 bool LOCATOR::place_members(MEMORY_RANGE* trial) {
     uint64_t cursor = trial->origin();
-    for (LOCATOR* sub : sub_items())
-        if (!place_member(sub, trial, cursor)) return false;
+    const LOCATOR_LIST& subs = sub_items();
+    for (size_t i = 0; i < subs.size(); ++i) {
+        // They stand in the order of their sizes, and anywhere in memory.
+        if (i + 8 < subs.size()) prefetch(subs[i + 8]);
+        if (i + 4 < subs.size()) prefetch(subs[i + 4]->object_);
+        if (!place_member(subs[i], trial, cursor)) return false;
+    }
     consolidate_trampolines(trial, true);
     if (!add_padding_to_subitems(trial)) return false;
     set_collection_endpoints();

@@ -8,32 +8,69 @@
 #include "ELFLNK/locator/locator.h"
 #include "ELFLNK/memmap/memory_range.h"
 #include "ELFLNK/object/collection.h"
+#include "ELFLNK/object/section.h"
 #include "ELFLNK/placement/order/worklist.h"
+#include "UTIL/prefetch.h"
+
+/// The sub-items that have no place yet. Each hole is offered to all of them, so what a plain
+/// section needs is kept beside it: most holes are too small for most.
+std::vector<LOCATOR::UNPLACED> LOCATOR::take_unplaced() {
+    MORE& more = own_more();
+    std::vector<UNPLACED> list = std::move(more.unplaced);
+    more.unplaced.clear();
+    if (!list.empty() && more.unplaced_as_of == more.sub_item_edits) return list;
+    list.clear();
+    list.reserve(sub_items().size());
+    for (LOCATOR* sub : sub_items()) {
+        if (sub->is_complete()) continue;
+        const SECTION* section = as_section(sub->object_);
+        const bool is_settled =
+            section != nullptr && section->is_plain_input() && !sub->is_virtual();
+        list.push_back(
+            {sub, is_settled ? sub->object_->est_size_min() : 0, sub->alignment_in_hole()});
+    }
+    return list;
+}
+
+/// Offers the trial to one member; false if some of it is left over.
+bool LOCATOR::place_split_member(LOCATOR* sub, MEMORY_RANGE* trial) {
+    sub->clear_flag(LF_SPLIT_PLACED | LF_HIGHEST);
+    if (sub->is_virtual() && !trial->is_hidden()) {
+        sub->place_virtual(trial->origin());
+        set_flag(LF_SPLIT_PLACED);
+        return true;
+    }
+    const bool has_room = sub->is_split() ? sub->fits_in_range(trial)
+                                          : sub->object_->est_size_min() <= trial->unused();
+    if (has_room && insert_with_retry(sub, trial)) {
+        set_flag(LF_SPLIT_PLACED);
+        return true;
+    }
+    set_flag(sub->flags_ & LF_SPLIT_PLACED);
+    return false;
+}
 
 /// One walk over the members that have no place yet; true if none is left over.
 bool LOCATOR::place_split_members(MEMORY_RANGE* trial) {
-    bool all = true;
-    uint64_t room = trial->unused();
-    auto has_room_for = [&](LOCATOR* sub) {
-        return sub->is_split() ? sub->fits_in_range(trial) : sub->object_->est_size_min() <= room;
+    // An attempt in vain may ask for reserved trampolines to be moved.
+    auto is_in_vain = [trial](const UNPLACED& next) {
+        HOLE hole;
+        return next.least != 0 && trial->reserved_trampolines() == 0 &&
+               !trial->first_hole(trial->origin(), trial->end(), next.least, next.alignment, &hole);
     };
-    for (LOCATOR* sub : sub_items()) {
-        if (sub->is_complete()) continue;
-        sub->clear_flag(LF_SPLIT_PLACED | LF_HIGHEST);
-        if (sub->is_virtual() && !trial->is_hidden()) {
-            sub->place_virtual(trial->origin());
-            set_flag(LF_SPLIT_PLACED);
-            continue;
-        }
-        const bool is_tried = has_room_for(sub);
-        if (is_tried && insert_with_retry(sub, trial)) {
-            set_flag(LF_SPLIT_PLACED);
-        } else {
-            all = false;
-            set_flag(sub->flags_ & LF_SPLIT_PLACED);
-        }
-        if (is_tried) room = trial->unused();
-    }
+    const std::vector<UNPLACED> list = take_unplaced();
+    const uint32_t as_of = more_->sub_item_edits;
+    std::vector<UNPLACED> rest;
+    visit_ahead(
+        list, [](const UNPLACED& next) { prefetch(next.item); },
+        [&](const UNPLACED& next) {
+            if (is_in_vain(next) ||
+                (!next.item->is_complete() && !place_split_member(next.item, trial)))
+                rest.push_back(next);
+        });
+    const bool all = rest.empty();
+    more_->unplaced = std::move(rest);
+    more_->unplaced_as_of = as_of;
     return all;
 }
 
@@ -62,6 +99,7 @@ bool LOCATOR::place_blocked_split_collection(MEMORY_RANGE* trial) {
     uint64_t end = trial->end();
     uint64_t start = align(trial->origin());
     uint64_t window_end = start;
+    bool any_placed = false;
     while (start >= trial->origin() && start < end) {
         uint64_t boundary = window_end - window_end % blocking() + blocking();
         window_end = boundary < window_end ? end : std::min(boundary, end);
@@ -69,9 +107,11 @@ bool LOCATOR::place_blocked_split_collection(MEMORY_RANGE* trial) {
         window.set_subrange_endpoints(start, window_end);
         clear_flag(LF_SPLIT_PLACED);
         if (place_split_collection(&window)) return true;
+        any_placed |= has_flag(LF_SPLIT_PLACED);
         if (has_flag(LF_SPLIT_PLACED) || start % blocking() != 0) start = window_end;
         if (window_end == end) break;
     }
+    if (any_placed) set_flag(LF_SPLIT_PLACED); // what contains this must look behind it
     return false;
 }
 
@@ -82,12 +122,9 @@ bool LOCATOR::is_adjacent(const LOCATOR* a, const LOCATOR* b) {
     if (!a->is_placed() || !b->is_placed() || a->range_ != b->range_) return false;
     if (a->address_ == b->address_) return true;
     if (a->range_ == nullptr) return false;
-    const LOCATOR_SET& contents = a->range_->contents();
-    auto follows = [&](const LOCATOR* first, const LOCATOR* second) {
-        auto at = contents.find(const_cast<LOCATOR*>(first));
-        return at != contents.end() && ++at != contents.end() && *at == second;
-    };
-    return follows(a, b) || follows(b, a);
+    auto* first = const_cast<LOCATOR*>(a);
+    auto* second = const_cast<LOCATOR*>(b);
+    return a->range_->follows_directly(second, first) || a->range_->follows_directly(first, second);
 }
 
 /// Takes over what the items of a new output section say of its place.
@@ -116,8 +153,7 @@ void LOCATOR::coalesce() {
         coalesce_item(item);
         if (!item->is_placed() || item->range_ == nullptr || item->range_->parent() != nullptr)
             continue;
-        if (!was_whole)
-            for (LOCATOR* part : item->sub_items()) item->range_->remove_item(part, false);
+        if (!was_whole) item->range_->remove_items(item->sub_items());
         item->range_->add_item(item, is_subitem);
     }
 }

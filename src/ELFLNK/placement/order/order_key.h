@@ -42,12 +42,16 @@ class ORDER_CONTEXT {
     }
     /// Negative if a goes first.
     int compare(const ORDER_KEY& a, const ORDER_KEY& b) const;
+    /// Stable sort by the comparison.
+    void sort(std::vector<ORDER_KEY>& keys) const;
 
   private:
     uint32_t intern(const std::vector<uint32_t>& ranges);
     int compare_members(const ORDER_KEY& a, const ORDER_KEY& b) const;
     int compare_by_callgraph(const ORDER_KEY& a, const ORDER_KEY& b) const;
     int compare_room(const ORDER_KEY& a, const ORDER_KEY& b) const;
+    bool differ_in_size_and_name_only(const std::vector<ORDER_KEY>& keys) const;
+    void sort_by_size_and_name(std::vector<ORDER_KEY>& keys) const;
 
     std::vector<MEMORY_RANGE*> ranges_;
     std::vector<uint64_t> unused_;                      // of each range, as of now

@@ -34,12 +34,6 @@ BUCKET bucket_of(const LOCATOR* locator) {
 
 using KEYS = std::vector<ORDER_KEY>;
 
-void sort_keys(KEYS& keys, const ORDER_CONTEXT& context) {
-    std::stable_sort(keys.begin(), keys.end(), [&](const ORDER_KEY& a, const ORDER_KEY& b) {
-        return context.compare(a, b) < 0;
-    });
-}
-
 /// Is there anything that the comparison alone doesn't respect?
 bool has_constraints(const KEYS& keys) {
     const LOCATOR* carrier = nullptr;
@@ -156,7 +150,7 @@ void sort_worklist(LOCATOR_LIST& list, bool use_priorities, ORDER_WATCH* watch) 
     ORDER_CONTEXT context;
     KEYS bucket[BUCKETS];
     for (LOCATOR* locator : list) bucket[bucket_of(locator)].push_back(context.key_of(locator));
-    for (BUCKET sorted : {MAIN, LAST, COPY_TABLES, EXIDX}) sort_keys(bucket[sorted], context);
+    for (BUCKET sorted : {MAIN, LAST, COPY_TABLES, EXIDX}) context.sort(bucket[sorted]);
     std::stable_sort(bucket[VIRTUAL].begin(), bucket[VIRTUAL].end(),
                      [](const ORDER_KEY& a, const ORDER_KEY& b) {
                          return LOCATOR::locator_debug_frame_align_greater(a.locator, b.locator);
