@@ -63,14 +63,6 @@ const char* COMPRESS_DB::compression_name(short kind) {
     return row != nullptr ? row->name : "error";
 }
 
-std::string COMPRESS_DB::valid_compression_args() {
-    info(CMPRS_UNKNOWN);
-    std::string text;
-    for (const COMPRESSION_INFO& row : table_)
-        if (row.user_selectable) text += (text.empty() ? "" : " ") + std::string(row.name);
-    return text;
-}
-
 // The kind that an option names.
 static short option_kind(COMPRESS_DB& db, option_id option) {
     const char* name = global_opts->getstrarg(option);

@@ -40,8 +40,6 @@ class COMPRESS_DB {
     short compression_kind(const char* name);
     /// The name of a kind; "error" for one that is not in the table.
     const char* compression_name(short kind);
-    /// What options and table() accept, separated by blanks.
-    std::string valid_compression_args();
     /// The kind that stands for "nothing said": that of --copy_compression, else CMPRS_OFF.
     short normalized_kind(short kind);
     /// The kind for C initialisation: that of --cinit_compression.
@@ -77,7 +75,6 @@ class COMPRESS_DB {
     void specialize_compressions();
     void generate_map_file();
     void generate_xml_info();
-    const HANDLER_TABLE* handler_table() const { return handler_table_; }
 
   private:
     void make_table();

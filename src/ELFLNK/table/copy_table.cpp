@@ -18,7 +18,6 @@
 #include "ELFLNK/target/target.h"
 #include "ELFLNK/xmlinfo/xml_info.h"
 #include "OBJEDIT04/ofe/object_file.h"
-#include "UTIL/pprint.h"
 #include "UTIL/savestr.h"
 
 // ---- records -------------------------------------------------------------------------------
@@ -100,10 +99,6 @@ void COPY_RECORD::update_after_split(LOAD_DATA_RECORD* piece) {
     COMPRESSED_SECTION* section = copy->compressed_;
     if (section != nullptr && section->run_locator() != nullptr)
         enter_worklist(section->run_locator());
-}
-
-void COPY_RECORD::dump_header(PPRINT* out) const {
-    out->printf("copy record: %s\n", outsect()->name());
 }
 
 void COPY_RECORD::generate_xml_info() {

@@ -11,7 +11,6 @@
 
 class COMPRESSED_SECTION;
 class LOCATOR;
-class PPRINT;
 struct COMPRESSION_INFO;
 
 class COPY_RECORD : public LOAD_DATA_RECORD {
@@ -38,7 +37,6 @@ class COPY_RECORD : public LOAD_DATA_RECORD {
     virtual void write_copy_record(DATA_MAP& data) = 0;
     virtual std::unique_ptr<COPY_RECORD> new_COPY_RECORD(COLLECTION* outsect, short kind,
                                                          const SOURCE_POSITION* pos) const = 0;
-    virtual void dump_header(PPRINT* out) const;
     void generate_xml_info() override;
 
     /// The encoded load image, or null where data is copied as it is.

@@ -63,14 +63,6 @@ LOAD_DATA_TABLE* COPY_TABLE_DB::make_table(const char* name, const SOURCE_POSITI
     return Target->new_COPY_TABLE(name, pos);
 }
 
-bool COPY_TABLE_DB::has_copy_table(const LINKER_OBJECT* object) const {
-    const COLLECTION* collection = as_collection(object);
-    for (const COLLECTION* c = collection != nullptr ? collection : object->parent(); c != nullptr;
-         c = c->parent())
-        if (c->copy_table_specs() != nullptr) return true;
-    return false;
-}
-
 // ---- the operator --------------------------------------------------------------------------
 
 // The kind that a compression word names; 0, after an error, for one that means nothing. False if

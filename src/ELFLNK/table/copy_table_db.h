@@ -26,8 +26,6 @@ class COPY_TABLE_DB : public LOAD_DATA_TABLE_DB {
     /// When the command file closes a GROUP or UNION: no table on sections that overlay each other,
     /// none below a GROUP that has one.
     void enforce_table_restrictions(COLLECTION* collection);
-    /// The object, or a collection around it, has a copy table.
-    bool has_copy_table(const LINKER_OBJECT* object) const;
 
     /// The table of C initialisation, made on first use.
     COPY_TABLE* compressed_cinit_table();

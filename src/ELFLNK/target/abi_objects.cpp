@@ -229,7 +229,9 @@ void ABI::define_abi_symbols() {
 void ABI::define_pprof_symbols() {
     if (!pprof_supported()) return;
     LINKER_OBJECT* outsect = root_collection->find_outsect(ppdata_section_name());
-    if (outsect != nullptr && global_symbols.lookup(ppoutfunc_symbol_name()) != nullptr) {
+    // A function that nothing refers to is in no place.
+    const OFE::OF_SYMBOL* writer = global_symbols.lookup_def(ppoutfunc_symbol_name());
+    if (outsect != nullptr && root_collection->symbol_is_in_link(writer)) {
         auto* function =
             new EXPRESSION(EXPR_OP_SYMBOL, ppoutfunc_symbol_name(), EXPR_BIND_STRONG, nullptr);
         root_collection->add_linker_assignment(ppoutfptr_symbol_name(), function, EXPR_BIND_STRONG);

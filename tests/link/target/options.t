@@ -26,3 +26,24 @@ a.o --entry_point=nowhere -o out.elf
 1
 --- stderr has
 warning: entry-point symbol "nowhere" undefined
+--- case what is said of a library for start-up code with a watchdog
+--- b.s
+    .text
+    .word WDTCTL_SYM
+--- args
+a.o b.o --entry_point=_start --cinit_hold_wdt=on --retain=*(.text) -o out.elf
+--- exit
+1
+--- stderr has
+error: The symbol "WDTCTL_SYM" is unresolved. This symbol is required when
+ WDTCTL_SYM b.o
+--- case arrays of variable length beside a kernel
+--- b.s
+    .text
+    .global __vla_alloc, qv_rtkernel_KERNEL_start__E
+__vla_alloc:
+qv_rtkernel_KERNEL_start__E:
+--- args
+a.o b.o --entry_point=_start -o out.elf
+--- stderr
+warning: Use of variable-length arrays is not thread-safe.

@@ -58,3 +58,12 @@ warning: creating ".args" section with minimum size of 0x8; use the -args
    option to change the section size
 --- bytes .args
 00 00 00 00 00 00 00 00
+--- case a fill of the argument area gives way
+--- fill.cmd
+SECTIONS { .args : {} > RAM, fill = 0xff }
+--- args
+a.o link.cmd fill.cmd --arg_size=16 -o out.elf
+--- stderr
+warning: fill value of 0 required for section ".args" (ff overridden)
+--- bytes .args
+00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00
