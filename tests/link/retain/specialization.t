@@ -147,6 +147,37 @@ __QV_decompress_lzss: nop
 --diag_suppress=10151
 MEMORY { ROM (RX) : origin = 0x1000, length = 0x1000  RAM : origin = 0x8000, length = 0x1000 }
 SECTIONS { .text : { *(.text*) } > ROM  .cinit : > ROM  .data : { *(.data*) } > RAM  .bss : { *(.bss*) } > RAM }
+--- init.s
+    .global __QV_default_auto_init, _start
+    .set __QV_default_auto_init, 1
+    .section .text._start, "ax"
+    .thumb_func
+_start: b __QV_auto_init
+    .macro variant name, flags
+    .section .text.\name, "ax"
+    .global \name
+    .thumb_func
+\name: movs r1, #\flags
+    b .
+    .endm
+    variant __QV_auto_init 3
+    variant __QV_auto_init_nobinit 2
+    variant __QV_auto_init_nopinit 1
+    variant __QV_auto_init_nobinit_nopinit 0
+    variant __QV_auto_init_hold_wdt 7
+    variant __QV_auto_init_nobinit_hold_wdt 6
+--- copied.s
+    .section .data.copied, "aw"
+    .global copied
+copied: .word 1
+--- init.cmd
+--entry_point=_start
+--diag_suppress=10151
+MEMORY { M : origin = 0x1000, length = 0x1000  R : origin = 0x8000, length = 0x1000 }
+SECTIONS {
+    .text : { *(.text*) } > M  .init_array : > M  .binit : > M
+    .fast : { *(.data.copied) } LOAD > M, RUN > R, table(BINIT)
+}
 --- ok.cmd
 --entry_point=_start
 --diag_suppress=10151
@@ -305,3 +336,39 @@ vars.o zeros.o unpack.o zeroinit.o rom.cmd --rom_model --undef_sym=zeros -o out.
 --- sym
 __QV_zero_init -
 __QV_zero_init_nomemset 0x1009 .text
+--- case initialisation that has nothing to walk
+--- args
+init.o init.cmd -o out.elf
+--- dis .text
+<__QV_auto_init_nobinit_nopinit>:
+movs r1, #0
+--- section
+.text 0x1000 6
+--- case with initialisers
+--- args
+init.o ctor.o init.cmd -o out.elf
+--- dis .text
+<__QV_auto_init_nobinit>:
+movs r1, #2
+--- case with something to copy first
+--- args
+init.o copied.o init.cmd -o out.elf -u copied
+--- dis .text
+<__QV_auto_init_nopinit>:
+movs r1, #1
+--- case with both
+--- args
+init.o copied.o ctor.o init.cmd -o out.elf -u copied
+--- dis .text
+<__QV_auto_init>:
+movs r1, #3
+--- sym
+__QV_auto_init_nobinit -
+--- case with a watchdog to be held; the smallest variant that is there
+--- args
+init.o init.cmd -o out.elf --cinit_hold_wdt=on
+--- dis .text
+<__QV_auto_init_nobinit_hold_wdt>:
+movs r1, #6
+--- section
+.text 0x1000 6
