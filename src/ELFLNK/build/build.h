@@ -48,7 +48,7 @@ bool symbol_needs_final_value(OFE::OF_SYMBOL* symbol);
 // A new undefined symbol in another file with the fields of the given one; it replaces the given
 // one in the tables.
 OFE::OF_SYMBOL* create_ref_symbol(OFE::OF_SYMBOL* symbol, OFE::OBJECT_FILE* file);
-// A copy of the symbol under another name in the output.
+// A copy of the definition under another name in its own file, without references.
 OFE::OF_SYMBOL* create_dup_symbol(const char* name, OFE::OF_SYMBOL* symbol);
 // A hidden absolute symbol of the output that the linker or a command file defines. Its value comes
 // later.
@@ -72,6 +72,6 @@ void merge_file_attributes(OBJ_FILE* file);
 
 // Seconds since the epoch at which the output counts as built.
 long build_time();
-// The same as a line, "Thu Jan  1 00:00:00 1970\n": local time, or UTC where SOURCE_DATE_EPOCH fixes
-// it, so that two places write the same.
+// The same as a line, "Thu Jan  1 00:00:00 1970\n": local time, or UTC where SOURCE_DATE_EPOCH
+// fixes it, so that two places write the same.
 std::string build_time_text();

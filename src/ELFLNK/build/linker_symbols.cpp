@@ -68,13 +68,11 @@ OF_SYMBOL* create_ref_symbol(OF_SYMBOL* symbol, OBJECT_FILE* file) {
 }
 
 OF_SYMBOL* create_dup_symbol(const char* name, OF_SYMBOL* symbol) {
-    OF_SYMBOL* made = output_OF_FILE()->symbol_table()->new_symbol();
-    made->set_name(name);
+    OF_SYMBOL* made = symbol->ofile()->symbol_table()->new_symbol();
+    made->set_name_view(name);
     copy_symbol_fields(symbol, made);
     if (OF_SECTION* section = symbol->section()) made->set_section(section);
     made->set_value(symbol->value());
-    made->set_final(symbol->final());
-    made->set_final_value(symbol->final_value());
     return made;
 }
 

@@ -186,3 +186,79 @@ start:
 c.o -o out.elf -e start
 --- section
 .ARM.exidx -
+--- case code without a piece has one named after it, and the map says so
+--- args
+a.o link.cmd -o out.elf -e start --retain=*(.text.throw) --disable:exidx_opt -m out.map
+--- text out.map has
+.ARM.exidx
+                  0000100c    00000008     (.ARM.exidx.text.throw)
+                  00001014    00000008     (.ARM.exidx.text.plain)
+                  0000101c    00000008     a.o (.ARM.exidx.text.late)
+                  00001024    00000008     a.o (.ARM.exidx.text.same)
+                  0000102c    00000008     a.o (.ARM.exidx.text.other)
+                  00001034    00000010     a.o (.ARM.exidx.text.long)
+                  00001044    00000008     a.o (.ARM.exidx.text.behind)
+                  0000104c    00000008     (.ARM.exidx)
+--- text out.map lacks
+.ARM.exidx.text.unused
+--- case a partial link has a table for each output section of code, tied to it, without an end
+--- part.cmd
+SECTIONS { .text : { *(.text.throw) *(.text.late) }  .more : { *(.text.same) *(.text.other) } }
+--- args
+a.o part.cmd -r -o out.elf
+--- section
+.ARM.exidx_0 0x00 0x18
+.ARM.exidx_1 0x18 0x10
+.ARM.exidx_2 0x28 0x08
+.ARM.exidx -
+--- readelf -S
+[ 1] .text PROGBITS
+[ 2] .more PROGBITS
+[ 7] .text.plain:a.o PROGBITS
+000018 00 AL 1 0 4
+000010 00 AL 2 0 4
+000008 00 AL 7 0 4
+--- sym
+__QV_UNWIND_TABLE_START -
+--- case a piece that refers to its code by an alias stays with its code
+--- alias.s
+    .thumb
+    .global start, old, new, beside, __cxa_throw
+    .section .text.a, "ax", %progbits
+    .thumb_func
+start:
+    bl beside
+__cxa_throw:
+    bx lr
+    .section .text.old, "ax", %progbits
+    .thumb_func
+old: bx lr
+beside: bx lr
+    .section .text.new, "ax", %progbits
+    .thumb_func
+new: bx lr
+    nop
+    .section .ARM.exidx.old, "ao", %0x70000001, .text.old
+    .reloc ., R_ARM_PREL31, old
+    .word 0, 0x80b0b0b0
+    .section .ARM.exidx.new, "ao", %0x70000001, .text.new
+    .reloc ., R_ARM_PREL31, new
+    .word 0, 0x80a8b0b0
+    .section .QV.symbol.alias, "", %progbits
+    .byte 1, 0, 0, 0
+    .short 1
+    .asciz "QV"
+    .long 15, 16
+--- alias.cmd
+MEMORY { CODE : origin = 0x100, length = 0x100   DATA : origin = 0x1000, length = 0x100 }
+SECTIONS { .text : { *(.text.a) *(.text.old) *(.text.new) } > CODE   .ARM.exidx : {} > DATA }
+--- args
+alias.o alias.cmd -o out.elf -e start --retain=*(.text.old) --retain=*(.text.new)
+--- bytes .ARM.exidx
+00f1ff7f01000000
+fff0ff7fb0b0b080
+fbf0ff7fb0b0a880
+f6f0ff7f01000000
+--- sym
+old                       0x10b .text
+__QV_exidx_linkto_sym_old 0x107 .text
