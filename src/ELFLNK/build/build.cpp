@@ -36,7 +36,7 @@ using namespace OFE;
 
 namespace {
 
-register_option debug_ifile("debug:ifile");
+register_option debug_ifile("debug:internal_file");
 
 std::vector<LINKER_OBJECT*> leaves;
 bool debug_in_group = false;
@@ -177,7 +177,7 @@ void set_entry_point() {
     out->set_entry_point(0);
 }
 
-// --debug:ifile ends the link with the file of what the linker makes itself.
+// --debug:internal_file ends the link with the file of what the linker makes itself.
 [[noreturn]] void write_internal_file() {
     const std::string name = fn_tmpnam();
     OBJ_FILE* file = file_manager.internal_file();

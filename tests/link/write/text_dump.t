@@ -64,7 +64,7 @@ part.o -r -o out.elf --ofd=out.txt
 --- env
 TMPDIR=.
 --- args
-a.o link.cmd -e start -o out.elf --arg_size=16 --debug:ifile
+a.o link.cmd -e start -o out.elf --arg_size=16 --debug:internal_file
 --- stdout re
 Linker internal file written to "\./qvl\w{6}"\n
 --- no-file out.elf
