@@ -25,7 +25,8 @@ bool may_follow(const OPTION_SPELLING& spelling, const char* rest) {
     if (*rest == '\0') return true;
     if (!takes_parameter(kind)) return !is_long && spelling.text.size() == 1;
     if (*rest == '=' && !spelling.text.ends_with(':')) return true;
-    return spelling.text.ends_with(':') || (!is_long && !parameter_optional(kind));
+    if (spelling.text.ends_with(':')) return true;
+    return !is_long && (!parameter_optional(kind) || (*rest >= '0' && *rest <= '9'));
 }
 
 const OPTION_SPELLING* find_option(const char* text) {
