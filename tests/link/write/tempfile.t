@@ -39,9 +39,9 @@ LOAD 0x1000 0x1000 0x4e24 0x4e24 RW
 --- file first.elf
 --- text out.txt has
 .data
---- case into_one_of_its_inputs
+--- case both_by_one_name
 --- args
-a.o link.cmd -o out.elf --tempfile=a.o -e _start -s
+a.o link.cmd -o out.elf --tempfile=out.elf -e _start -s
 --- stderr
 warning: the -s option is deprecated for ELF; please use the strip utility
 --- sym
