@@ -21,6 +21,17 @@ MEMORY_RANGE* alias_target(MEMORY_RANGE* range) {
     return range->alias() != nullptr ? range->alias() : range;
 }
 
+/// The parts of a split object that have no place yet.
+void list_parts_without_place(LOCATOR* whole, LOCATOR_LIST& parts) {
+    if (!whole->is_split()) return;
+    whole->extract_subitems();
+    for (LOCATOR* sub : whole->sub_items())
+        if (sub->is_split())
+            list_parts_without_place(sub, parts);
+        else if (!sub->is_complete())
+            parts.push_back(sub);
+}
+
 /// A range of all that lies at and above the address.
 MEMORY_RANGE* make_range_above(const char* name, int page, uint64_t addr, uint32_t attrs) {
     return new MEMORY_RANGE(name, addr, ~addr, attrs, page);
@@ -174,10 +185,14 @@ bool LOCATOR::place_in_range_list(const std::vector<MEMORY_RANGE*>& list) {
                                        : std::max(target->origin(), min_address_));
             return true;
         }
-        if (insert_into_range(target)) {
-            if (target != range) set_flag(LF_ALIAS_MOVED);
-            return true;
-        }
+        LOCATOR_LIST parts;
+        if (target != range) list_parts_without_place(this, parts);
+        const bool placed = insert_into_range(target);
+        for (LOCATOR* part : parts)
+            if (part->range() == target) part->set_flag(LF_ALIAS_MOVED);
+        if (!placed) continue;
+        if (target != range) set_flag(LF_ALIAS_MOVED);
+        return true;
     }
     return false;
 }

@@ -37,6 +37,15 @@ SECTIONS { .t : { *(.p) *(.q) *(.r) } > A
 --- section
 .z 0x20000000 0x30
 .y 0x148 0x20
+--- case what is split has the part that stands in a window under the name that was asked for
+--- link.cmd
+MEMORY { A : origin = 0x100, length = 0x100  B : origin = 0x30000000, length = 0x100
+         ALIAS { ONE : origin = 0x10000000  TWO : origin = 0x20000000 } LENGTH = 0x40 }
+SECTIONS { .t : { *(.p) *(.q) *(.r) } > A
+  .b : { *(.y) *(.z) } >> TWO | B }
+--- section
+.b.1 0x20000000 0x30
+.b.2 0x30000000 0x20
 --- case each object has an address in both, a group with all its members
 --- args
 a.o link.cmd -o out.elf -e _start --unused_section_elimination=off --debug:map

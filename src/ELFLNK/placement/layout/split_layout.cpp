@@ -138,7 +138,7 @@ void LOCATOR::coalesce_item(LOCATOR* item) {
     if (placed == nullptr) return;
     item->range_ = placed->range_;
     item->clear_flag(LF_SPLIT | LF_SPLIT_FAILED);
-    item->set_flag(LF_PLACED | LF_COMPLETE | (placed->flags_ & LF_SPLIT_FAILED));
+    item->set_flag(LF_PLACED | LF_COMPLETE | (placed->flags_ & (LF_SPLIT_FAILED | LF_ALIAS_MOVED)));
 }
 
 void LOCATOR::coalesce() {
