@@ -176,7 +176,7 @@ class Problem:
         self.count += 1
         kind = rng.choice(["text", "data", "rodata", "bss"]) if within != "UNION" else rng.choice(["bss", "bss", "data"])
         obj = Obj("outsect", f".out{self.count}", data=kind != "bss")
-        items = []
+        items, specs = [], 0
         for _ in range(rng.choice([1, 1, 1, 2, 3])):
             if items and self.maybe(0.15):
                 n = rng.choice([2, 4, 20])
@@ -185,12 +185,18 @@ class Problem:
                 continue
             made = [self.section(kind) for _ in range(rng.choice([1, 1, 2, 5]))]
             items.append(f"*({' '.join(name for name, _ in made)})")
-            spec = Obj("spec", "spec", members=[o for _, o in made])
+            specs += 1
+            spec = Obj("spec", f"{obj.name}.{specs}", members=[o for _, o in made])
             obj.add(spec)
         wishes = Locator(BOTH)
         wishes.ordered = len(obj.members) >= 2
+        obj.unordered = self.maybe(0.15)
         text = self.locate(obj, wishes, within, kind != "bss")
-        return f"{'  ' * depth}  {obj.name} : {{ {' '.join(items)} }} {text}", obj
+        if within != "UNION" and self.maybe(0.08):
+            obj.type = rng.choice(["COPY", "DSECT", "NOLOAD"])
+            text = ", ".join(filter(None, [text, f"type = {obj.type}"]))
+        words = "unordered() " if obj.unordered else ""
+        return f"{'  ' * depth}  {obj.name} : {words}{{ {' '.join(items)} }} {text}", obj
 
     def dissolve(self, obj, split=False):
         """Specifications of one section, or the only one, or all of what is split, are no objects of their own."""
@@ -199,6 +205,15 @@ class Problem:
             for m in obj.members:
                 self.dissolve(m, split)
             return
+        if obj.unordered:
+            self.gather(obj)
+            for m in obj.members:
+                if m.kind == "LOGICAL":
+                    self.dissolve_specs(m, split)
+        self.dissolve_specs(obj, split)
+
+    @staticmethod
+    def dissolve_specs(obj, split):
         specs, obj.members = obj.members, []
         for spec in specs:
             if spec.kind == "spec" and (split or len(specs) == 1 or len(spec.members) < 2):
@@ -206,6 +221,20 @@ class Problem:
                     obj.add(m)
             else:
                 obj.add(spec)
+
+    @staticmethod
+    def gather(obj):
+        """Consecutive specifications of an unordered section are one collection without an order of its own."""
+        items, obj.members = obj.members, []
+        count = 0
+        for item in items:
+            if item.kind != "spec":
+                obj.add(item)
+                continue
+            if not obj.members or obj.members[-1].kind != "LOGICAL":
+                count += 1
+                obj.add(Obj("LOGICAL", f"{obj.name}.{count}"))
+            obj.members[-1].add(item)
 
     def entry(self, depth, within=None):
         if depth > 1 or self.maybe(0.75):

@@ -18,6 +18,15 @@ def up(n, align):
     return (n + align - 1) // align * align
 
 
+def takes_no_memory(member, collection):
+    return collection.allocated and not member.allocated
+
+
+def stands_aside(sub, loc):
+    """Has the sub-item a range of its own?"""
+    return sub.virtual and (not loc.virtual or takes_no_memory(sub.obj, loc.obj))
+
+
 class Range:
     def __init__(self, name, origin, length, attrs=15, parent=None):
         self.name, self.origin, self.length, self.attrs, self.parent = name, origin, length, attrs, parent
@@ -30,7 +39,7 @@ class Range:
 
     def trial(self):
         copy = Range(self.name, self.origin, self.length, self.attrs, self)
-        copy.temporary = self.temporary
+        copy.temporary, copy.hidden = self.temporary, self.hidden
         return copy
 
     def cut(self, begin, end):
@@ -100,6 +109,9 @@ class Obj:
         self.fixed_min = None
         self.init_overlay = self.load_placement = self.chosen = False
         self.anchored = False  # a symbol of it is referred to
+        self.unordered = False
+        self.type = None  # COPY, DSECT, NOLOAD
+        self.allocated = kind in ("section", "dot")
         for m in members:
             self.add(m)
 
@@ -135,21 +147,31 @@ class Obj:
         if not self.is_collection:
             return
         self.own_align = self.run.align if self.run else 0
+        self.data = False
         for m in self.members:
             m.collect()
             self.own_align = max(self.own_align, m.own_align)
             self.data |= m.data
+            self.allocated |= m.allocated
             self.init_overlay |= m.init_overlay
             self.load_placement |= m.load_placement
+        types = {m.type for m in self.members}
+        if len(types) == 1 and None not in types:
+            self.type = types.pop()
+        if self.type in ("COPY", "DSECT"):
+            self.allocated = False
         if self.run and self.run.overlay and self.has_load_data():
             self.init_overlay = True
         if self.load and self.load.specified:
             self.load_placement = True
+        if self.type in ("DSECT", "NOLOAD"):
+            self.data = False
 
     def spread(self, inside=False):
         inside = inside or self.kind == "outsect"
         for m in self.members:
             m.data |= self.data and inside
+            m.allocated |= self.allocated and self.kind != "LOGICAL" and m.type not in ("COPY", "DSECT")
             m.spread(inside)
         self.flush()
 
@@ -189,6 +211,8 @@ class Obj:
             return layout.end - layout.address, layout.end - layout.address
         size = least = 0
         for m in self.members:
+            if self.allocated and not m.allocated:
+                continue
             m_size, m_least = m.sizes()
             if m.run is not None and m.run.align > 0:
                 m_size += m.run.align - 1
@@ -237,7 +261,14 @@ class Model:
             return
         run = obj.run if obj.run and obj.run.specified else None
         load = obj.load if obj.load and obj.load.specified else None
-        if enclosing_run:
+        if not obj.allocated:
+            run = obj.run or Locator(BOTH, obj)
+            run.virtual = True
+            if load:
+                load.virtual = True
+                if run.specific is None:
+                    load.specific = None  # the place where it runs comes first
+        elif enclosing_run:
             if run:
                 run.ignore_placement()
                 run = None
@@ -271,6 +302,8 @@ class Model:
 
         own_run = run or obj.run
         if not obj.has_load_data():
+            if load:
+                obj.sizes()  # asked for: an empty one isn't worth a word
             return drop()
         if own_run and own_run.overlay:
             candidates = [m for m in obj.members if m.has_load_data() and not m.load_placement]
@@ -469,7 +502,10 @@ class Model:
         if loc.high:
             self.pre_place_highest(loc)
         if loc.virtual:
-            self.place_virtual(loc, loc.specific or 0)
+            address = loc.specific or 0
+            if loc.ranges and loc.specific is None and not loc.failed:
+                address = max(loc.min, next(r.origin for r in self.ranges if r.name == loc.ranges[0]))
+            self.place_virtual(loc, address)
             return
         if loc.specific is not None:
             rng = next((r for r in self.ranges if r.origin <= loc.specific < r.end), None)
@@ -654,7 +690,8 @@ class Model:
     def set_range(self, loc, rng):
         loc.range = rng
         for s in loc.subs:
-            self.set_range(s, rng)
+            if not (stands_aside(s, loc) and s.in_root):
+                self.set_range(s, rng)
 
     def commit_final(self, loc):
         loc.subs.sort(key=lambda l: (l.address, l.end, l.obj.id))
@@ -668,6 +705,8 @@ class Model:
                 self.uncommit(s)
         if loc.placed and loc.range is not None and loc in loc.range.contents:
             loc.range.contents.remove(loc)
+        if loc.virtual and loc.range is not None and loc.range.hidden:
+            loc.attempts = 0  # the next attempt may put it elsewhere
         loc.range, loc.placed, loc.complete = None, False, False
 
     # ---- collections
@@ -679,17 +718,20 @@ class Model:
             if loc.kind == LOAD and loc.split and not m.data:
                 continue
             sub = m.load if loc.kind == LOAD else m.run
+            aside = takes_no_memory(m, loc.obj)
+            if sub is None and loc.kind == LOAD and aside:
+                continue  # loaded where it runs
             if sub is None:
                 sub = Locator(loc.kind, m)
                 m.set_locator(sub)
-            elif not sub.specified:
+            elif m.allocated and not sub.specified:
                 sub.kind = loc.kind
                 m.set_locator(sub)
             sub.ignore_placement()
             sub.priority, sub.high, sub.split = None, False, False
             if loc.split and m.is_collection:
                 sub.split = True
-            sub.virtual = loc.virtual
+            sub.virtual |= loc.virtual or aside
             self.analyze(sub)
             loc.subs.append(sub)
 
@@ -702,6 +744,9 @@ class Model:
                 s.min = cursor
             if s.obj.kind == "dot":  # . += n
                 loc.specific_tried = True
+            if stands_aside(s, loc):
+                self.place_aside(s, loc, trial, cursor)
+                continue
             if not self.insert(s, trial):
                 self.uncommit(loc)
                 return False
@@ -715,8 +760,22 @@ class Model:
         self.commit(loc, trial.parent)
         return True
 
+    def place_aside(self, sub, loc, trial, cursor):
+        if trial.temporary:
+            rng = Range("TEMP_LAYOUT_RANGE", 0, TOP)
+            rng.temporary = rng.hidden = True
+            self.insert(sub, rng)
+            self.set_range(sub, None)
+            return
+        place = cursor
+        if loc.overlay:
+            place = max(trial.origin, loc.min)
+        if loc.high:
+            place = min(trial.end, loc.max)
+        self.place_virtual(sub, place)
+
     def set_endpoints(self, loc):
-        placed = [s for s in loc.subs if s.placed]
+        placed = [s for s in loc.subs if s.placed and not stands_aside(s, loc)]
         if placed:
             loc.address, loc.end = min(s.address for s in placed), max(s.end for s in placed)
         if loc.align >= 2:
@@ -739,6 +798,10 @@ class Model:
         self.extract(loc)
         for s in loc.subs:
             t = s.obj.load if source.kind == LOAD else s.obj.run
+            if stands_aside(s, loc):
+                if not s.placed:
+                    self.place_virtual(s, t.address + delta)
+                continue
             s.address = t.address + delta
             s.end = s.address + s.obj.size
             s.placed = s.complete = True
@@ -749,7 +812,7 @@ class Model:
         if not loc.obj.is_collection or loc.obj.layout_locator():
             return
         rng = Range("TEMP_LAYOUT_RANGE", 0, TOP)
-        rng.temporary = True
+        rng.temporary = rng.hidden = True
         self.insert(loc, rng)
         self.set_pre_placed(loc)
 
@@ -796,6 +859,10 @@ class Model:
             if s.complete:
                 continue
             s.split_placed = s.high = False
+            if s.virtual and not trial.hidden:
+                self.place_virtual(s, trial.origin)
+                loc.split_placed = True
+                continue
             if self.fits(s, trial) and self.insert(s, trial):
                 loc.split_placed = True
             else:
@@ -812,6 +879,7 @@ class Model:
     def place_blocked_split(self, loc, trial):
         end = trial.end
         start = window_end = loc.aligned(trial.origin)
+        placed = False
         while start < end:
             window_end = min(window_end // loc.block * loc.block + loc.block, end)
             window = trial.parent.trial()
@@ -819,10 +887,12 @@ class Model:
             loc.split_placed = False
             if self.place_split(loc, window):
                 return True
+            placed |= loc.split_placed
             if loc.split_placed or start % loc.block:
                 start = window_end
             if window_end == end:
                 break
+        loc.split_placed = placed
         return False
 
 

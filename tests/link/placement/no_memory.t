@@ -74,7 +74,7 @@ a.o link.cmd -o out.elf
 --- stderr
 "link.cmd", line 7: warning: LOAD placement ignored for ".bss":  object is
    uninitialized
---- case it follows its group from a hole that was too small
+--- case it follows its group from a hole that was too small, and what it lies over is filled
 --- odd.s
     .section .text.f, "ax"
     .balign 16
@@ -95,3 +95,5 @@ a.o odd.o link.cmd -o out.elf
 .a 0x1000 8
 .b 0x1008 0x30
 .f 0x1010 0x10
+$fill000 0x1008 8
+$fill001 0x1020 0x10

@@ -75,6 +75,25 @@ SECTIONS { .t : BLOCK(0x20) { *(.p) *(.q) *(.r) } >> A | B  .o : { *(.u) *(.v) *
 p 0x110
 q 0x120
 r 0x820
+--- case blocks within blocks: what the inner split placed is behind the outer one
+--- big.s
+    .section .c, "ax"
+    .balign 4
+    .globl c
+c:  .space 0x50
+    .section .d, "ax"
+    .balign 4
+    .globl d
+d:  .space 0x90
+--- args
+a.o big.o link.cmd -o out.elf -e _start --unused_section_elimination=off
+--- link.cmd
+MEMORY { A : origin = 0x100, length = 0x200  C : origin = 0x4000, length = 0x100 }
+SECTIONS { GROUP { .t : BLOCK(0x10) { *(.c) *(.d) } } BLOCK(0x40) >> A
+  .o : { *(.p) *(.q) *(.r) *(.u) *(.v) *(.w) } > C }
+--- section
+.t.1 0x100 0x50
+.t.2 0x180 0x90
 --- case split where it runs, whole where it is loaded, in the order of the run addresses
 --- link.cmd
 MEMORY { A : origin = 0x100, length = 0x30  B : origin = 0x800, length = 0x40  ROM : origin = 0x1000, length = 0x48
