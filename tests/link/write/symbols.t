@@ -132,3 +132,37 @@ told: .word foo
 a.o debug.o link.cmd -o out.elf --entry_point=_start --disable:dwarf_sym_opt
 --- sym
 told 0 .debug_names
+--- case strip_leaves_what_the_host_of_the_program_looks_for
+--- host.s
+    .section .text._start, "ax"
+    .global _start, C$$EXIT, C$$IO$$, __CIOBUF_, other
+_start:
+C$$EXIT:
+C$$IO$$:
+__CIOBUF_:
+other: .word __c_args__
+--- args
+host.o -o out.elf --entry_point=_start -s --arg_size=8
+--- stderr
+warning: the -s option is deprecated for ELF; please use the strip utility
+--- sym
+C$$EXIT 0x28
+C$$IO$$ 0x28
+__CIOBUF_ 0x28
+__c_args__ 0x20 .args
+other -
+binit -
+--- case in_rom_what_is_hidden_is_local
+--- hidden.s
+    .section .text._start, "ax"
+    .global _start, kept_inside
+    .hidden kept_inside
+_start:
+kept_inside: .word 0
+--- args
+hidden.o -o out.elf --entry_point=_start --rom --import=nowhere
+--- stderr
+warning: symbol "nowhere" is not found; --import="nowhere" is ignored
+--- readelf -sW
+NOTYPE LOCAL HIDDEN 8 kept_inside
+NOTYPE GLOBAL DEFAULT 8 _start
