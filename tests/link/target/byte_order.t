@@ -30,3 +30,11 @@ a.o link.cmd --be32 -o out.elf
 E3 A0 00 01  EA 00 00 00  11 22 33 44  55 66 47 70  F3 AF 80 00
 --- readelf -h
 Flags: 0x5000000, Version5 EABI
+--- case be8 objects are turned to the order that the link works in
+--- patch a.o 36 05800000
+--- patch a.o 0x34 0100A0E3000000EA
+--- patch a.o 0x42 7047AFF30080
+--- args
+a.o link.cmd --be32 -o out.elf
+--- bytes .text
+E3 A0 00 01  EA 00 00 00  11 22 33 44  55 66 47 70  F3 AF 80 00
