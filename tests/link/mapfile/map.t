@@ -176,3 +176,109 @@ local.o local.cmd -o out.elf -m out.map --mapfile_contents=none,sym_defs
 00000108   global    start (.text)
 --- text out.map lacks
  e0000
+--- case a veneer changes the state of a branch that cannot; each list counts its own
+--- arm.s -march=armv7-a -marm
+    .syntax unified
+    .arm
+    .section .text.start, "ax"
+    .global start
+    .type start, %function
+start:
+    bl first
+    beq second
+    b second
+    .thumb
+    .section .text.second, "ax"
+    .global second
+    .type second, %function
+    .thumb_func
+second: bx lr
+    .arm
+    .section .far.first, "ax"
+    .global first
+    .type first, %function
+first: bx lr
+--- far.cmd
+--entry_point=start
+MEMORY { LOW : o = 0x8000, l = 0x1000  HIGH : o = 0x20000000, l = 0x1000 }
+SECTIONS { .text : { *(.text*) } > LOW   .far : { *(.far*) } > HIGH }
+--- args
+arm.o far.cmd -o out.elf -m out.map --mapfile_contents=none,veneers,trampolines
+--- text out.map has
+VENEERS
+callee name               veneer name
+   callee addr  veneer addr  call addr  call info
+--------------  -----------  ---------  ----------------
+second                    $Ven$AT$L$PI$$second
+   00008021     00008014     00008004   arm.o (.text.start)
+                             00008008   arm.o (.text.start)
+[1 trampolines]
+[2 trampoline calls]
+FAR CALL TRAMPOLINES
+callee name               trampoline name
+   callee addr  tramp addr   call addr  call info
+--------------  -----------  ---------  ----------------
+first                     $Tramp$AA$L$PI$$first
+   20000000     0000800c     00008000   arm.o (.text.start)
+[1 trampolines]
+[1 trampoline calls]
+--- case what stays global in a group is listed apart
+--- group.s
+    .global start
+    .section .text.start, "ax"
+    .thumb_func
+start: bl once
+    bx lr
+    .section .text.once, "axG", %progbits, once, comdat
+    .weak once
+    .thumb_func
+once: bx lr
+--- args
+group.o -r -o out.elf -m out.map --hide=once --hide=start --mapfile_contents=none,sym_name,sym_runaddr,hidden_sym
+--- stderr re
+warning: comdat symbols must remain global; option
+--- text out.map has
+GLOBAL SYMBOLS: SORTED BY Symbol Address
+00000001  once
+[1 symbols]
+HIDDEN SYMBOLS:
+00000001  start
+[1 hidden symbols]
+COMDAT SYMBOLS NOT HIDDEN OR LOCALIZED:
+address   name
+-------   ----
+00000001  once
+[1 comdat symbols not hidden or localized]
+--- case without names there is nothing to sort
+--- args
+a.o lib.a l.cmd -o out.elf -m out.map --hide=* --mapfile_contents=none,sym_name,sym_runaddr
+--- text out.map re
+SORTED ALPHABETICALLY BY Name 
+
+
+\[0 symbols\]
+
+
+GLOBAL SYMBOLS: SORTED BY Symbol Address 
+
+address  name
+-------  ----
+
+\[0 symbols\]$
+--- case a file that takes no memory has no row, and its directory no total
+--- sub/empty.s
+    .section .nothing, "a"
+    .global nothing
+nothing:
+--- main.s
+    .global main
+    .section .text.main, "ax"
+main: .word nothing
+--- args
+sub/empty.o two.o one.o main.o -e main -o out.elf -m out.map --mapfile_contents=none,modules
+--- text out.map re
+       Total:         4      0         0
+
+    sub
+    \+-.*
+       Grand Total:   4      0         0
