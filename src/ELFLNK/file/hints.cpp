@@ -7,12 +7,13 @@
 #include "UTIL/strformat.h"
 
 #include <algorithm>
+#include <span>
 #include <string_view>
 #include <sys/stat.h>
 
 namespace {
 
-/// Options of other linkers, and what does the same here.
+/// Options and commands of other linkers, and what does the same here.
 struct FOREIGN {
     std::string_view name;
     const char* here;
@@ -29,7 +30,23 @@ constexpr FOREIGN foreign_options[] = {
     {"section_start", "a command file places sections: .name : > address"},
 };
 
+constexpr FOREIGN foreign_commands[] = {
+    {"ENTRY", "--entry_point=symbol names the entry point"},
+    {"INPUT", "files are named as they are"},
+    {"OUTPUT_ARCH", "the inputs settle what the output is"},
+    {"OUTPUT_FORMAT", "the inputs settle what the output is"},
+    {"PROVIDE", "a symbol is defined by name = value;"},
+    {"SEARCH_DIR", "--search_path=dir adds a folder to the search path"},
+};
+
 constexpr size_t SHORTEST_BEGINNING = 3;
+
+/// What the table says of a name, or an empty text.
+std::string foreign_hint(std::span<const FOREIGN> table, std::string_view name) {
+    for (const FOREIGN& row : table)
+        if (row.name == name) return std::string("; ") + row.here;
+    return "";
+}
 
 bool is_folder(const char* path) {
     struct stat info;
@@ -74,8 +91,7 @@ std::string folders_searched() {
 
 std::string option_hint(const char* word) {
     const std::string name = name_of_option(word);
-    for (const FOREIGN& option : foreign_options)
-        if (option.name == name) return std::string("; ") + option.here;
+    if (const std::string here = foreign_hint(foreign_options, name); !here.empty()) return here;
     const std::string_view similar = similar_option(name);
     return similar.empty() ? "" : "; there is an option --" + std::string(similar);
 }
@@ -83,6 +99,8 @@ std::string option_hint(const char* word) {
 std::string file_hint(const char* name, bool searched, bool in_command_file) {
     if (is_folder(name)) return "; it is a folder";
     if (in_command_file) {
+        if (const std::string here = foreign_hint(foreign_commands, name); !here.empty())
+            return here;
         SIMILAR_NAMES similar({name});
         for (const char* directive : {"MEMORY", "SECTIONS"}) similar.offer(directive, directive);
         if (const char* directive = similar.best(0).place)
