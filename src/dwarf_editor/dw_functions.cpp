@@ -21,9 +21,12 @@ enum ATTRIBUTE : unsigned {
     DW_AT_high_pc = 0x12,
     DW_AT_language = 0x13,
     DW_AT_abstract_origin = 0x31,
+    DW_AT_external = 0x3f,
     DW_AT_specification = 0x47,
+    DW_AT_linkage_name = 0x6e,
     DW_AT_str_offsets_base = 0x72,
     DW_AT_addr_base = 0x73,
+    DW_AT_QV_symbol_name = 0x2001,
     DW_AT_QV_asm = 0x200c
 };
 
@@ -102,9 +105,12 @@ struct SUBPROGRAM {
     size_t offset = 0; // of the entry
     size_t origin = 0; // of the entry that has the name; 0: none
     std::string_view name;
+    std::string_view symbol_name;  // of the object file, as compilers of our own give it
+    std::string_view linkage_name; // the same, as others do
     DW_ADDRESS low;
     uint64_t length = 0;
     bool assembly = false;
+    bool external = false;
 };
 
 class INFO_READER {
@@ -124,7 +130,7 @@ class INFO_READER {
     void read_unit(DW_READER& r);
     VALUE read_value(DW_READER& r, unsigned form, int64_t constant);
     void note(SUBPROGRAM& entry, unsigned attr, const VALUE& value);
-    std::string_view name_of(const SUBPROGRAM& entry) const;
+    SUBPROGRAM completed(SUBPROGRAM entry) const;
     const ABBREVS& abbrevs_at(size_t offset);
 
     DW_DATA info_, abbrev_, str_, line_str_, str_offsets_, addr_;
@@ -224,6 +230,15 @@ void INFO_READER::note(SUBPROGRAM& entry, unsigned attr, const VALUE& value) {
     case DW_AT_abstract_origin:
         if (value.kind == REF) entry.origin = static_cast<size_t>(value.number);
         break;
+    case DW_AT_external:
+        entry.external = value.number != 0;
+        break;
+    case DW_AT_linkage_name:
+        entry.linkage_name = value.text;
+        break;
+    case DW_AT_QV_symbol_name:
+        entry.symbol_name = value.text;
+        break;
     case DW_AT_QV_asm:
         entry.assembly = value.number != 0;
         break;
@@ -260,15 +275,24 @@ void INFO_READER::read_unit(DW_READER& r) {
     }
 }
 
-std::string_view INFO_READER::name_of(const SUBPROGRAM& entry) const {
-    const SUBPROGRAM* at = &entry;
-    for (unsigned steps = 0; at->name.empty() && at->origin != 0 && steps < 4; ++steps) {
-        auto next = std::lower_bound(found_.begin(), found_.end(), at->origin,
+/// Takes from the declaration or the abstract instance what the entry leaves to it.
+SUBPROGRAM INFO_READER::completed(SUBPROGRAM entry) const {
+    auto take = [](std::string_view& to, std::string_view from) {
+        if (to.empty()) to = from;
+    };
+    for (unsigned steps = 0; entry.origin != 0 && steps < 4; ++steps) {
+        auto next = std::lower_bound(found_.begin(), found_.end(), entry.origin,
                                      [](const SUBPROGRAM& s, size_t o) { return s.offset < o; });
-        if (next == found_.end() || next->offset != at->origin) break;
-        at = &*next;
+        if (next == found_.end() || next->offset != entry.origin) break;
+        take(entry.name, next->name);
+        take(entry.symbol_name, next->symbol_name);
+        take(entry.linkage_name, next->linkage_name);
+        entry.external |= next->external;
+        entry.origin = next->origin;
     }
-    return at->name;
+    take(entry.symbol_name, entry.linkage_name);
+    take(entry.symbol_name, entry.name);
+    return entry;
 }
 
 std::vector<DW_FUNCTION> INFO_READER::run() {
@@ -282,13 +306,14 @@ std::vector<DW_FUNCTION> INFO_READER::run() {
         units.skip(length);
     }
     std::vector<DW_FUNCTION> functions;
-    for (const SUBPROGRAM& entry : found_) {
-        std::string_view name = name_of(entry);
+    for (const SUBPROGRAM& own : found_) {
+        const SUBPROGRAM entry = completed(own);
         uint64_t high = entry.low.value + entry.length;
-        if (entry.low.section_id == DW_ADDRESS::NO_SECTION || name.empty() || high > UINT32_MAX)
+        if (entry.low.section_id == DW_ADDRESS::NO_SECTION || entry.name.empty() ||
+            high > UINT32_MAX)
             continue;
         functions.push_back({entry.low.section_id, entry.low.value, static_cast<uint32_t>(high),
-                             name, entry.assembly});
+                             entry.name, entry.assembly, entry.symbol_name, entry.external});
     }
     return functions;
 }

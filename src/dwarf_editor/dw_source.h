@@ -36,6 +36,8 @@ struct DW_FUNCTION {
     uint32_t low, high; // offsets; high is the first one after
     std::string_view name;
     bool assembly;
+    std::string_view link_name; // the name itself where none is given
+    bool external;
 };
 
 // All rows of the line programs, and all functions with code. `str` and `line_str` hold texts that
@@ -52,6 +54,7 @@ class DW_SOURCE_MAP {
     // The row that the place belongs to: the last one at or below it. Null: none.
     const DW_LINE* line_at(unsigned section_id, uint32_t offset) const;
     const std::string& file_name(const DW_LINE& row) const { return lines_.files[row.file]; }
+    const std::vector<DW_FUNCTION>& functions() const { return functions_; }
     // The innermost function around the place. Null: none.
     const DW_FUNCTION* function_at(unsigned section_id, uint32_t offset) const;
 

@@ -12,6 +12,7 @@
 #include "ELFLNK/object/root_collection.h"
 #include "ELFLNK/placement/fill/fill.h"
 #include "ELFLNK/placement/order/callgraph_order.h"
+#include "ELFLNK/placement/order/preferred_order.h"
 #include "ELFLNK/placement/order/worklist.h"
 #include "ELFLNK/table/copy_table_db.h"
 #include "ELFLNK/target/abi.h"
@@ -132,6 +133,7 @@ void placement() {
     build_tramp_call_graph();
     if (global_opts->isopt(OPT_minimize_trampolines)) DFS_VISITOR().callgraph_traversal();
     Target->visit_callgraph();
+    assign_preferred_order();
     analyze_tree();
     // Every locator that stands on its own is in the worklist of its phase.
     place_phase(PLACEMENT_PHASE_1);

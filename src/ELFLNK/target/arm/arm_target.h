@@ -22,6 +22,7 @@ class ARM_TARGET final : public TARGET {
     FCOMPAT* fcompat(OBJ_FILE* output, OBJ_FILE* file) override;
     const char* first_version_without_dinkum() const override { return "15.3.0"; }
     bool dinkum_exported_symbols() const override;
+    void check_advice() override;
     void update_upon_scanning() override;
     bool wants_update_symbol(const char* name) const override;
     void update_symbol(OFE::OF_SYMBOL* symbol) override;
