@@ -7,6 +7,7 @@
 
 #include "DIAG/elnk_msgs.h"
 #include "DIAG/gen_msgs.h"
+#include "ELFLNK/build/link_kind.h"
 #include "ELFLNK/expr/expr_mgr.h"
 #include "ELFLNK/expr/expression.h"
 #include "ELFLNK/locator/locator.h"
@@ -257,12 +258,13 @@ void LINKER_OBJECT::detach_padding() {
     clear_attr(PA_PADDED);
 }
 
-// What is allocated and yet stands in no real memory was put there after a failure.
+// What is allocated and yet stands in no real memory was put there after a failure, but in a
+// partial link, whose sections have no addresses yet.
 bool LINKER_OBJECT::failed_to_allocate() const {
     for (const LOCATOR* locator : {run_locator_, load_locator_}) {
         if (locator == nullptr) continue;
         if (locator->placement_failed()) return true;
-        if (locator->is_virtual() && has_attr(PA_ALLOCATED)) return true;
+        if (locator->is_virtual() && has_attr(PA_ALLOCATED) && !is_partial_link()) return true;
     }
     return false;
 }

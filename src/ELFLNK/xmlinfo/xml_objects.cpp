@@ -63,7 +63,7 @@ void write_component(LINKER_OBJECT* object) {
     write_xml_int(XML_run_address, object->run_address());
     write_xml_int(XML_size, object->size());
     const OBJ_FILE* file = section != nullptr ? section->orig_infile() : nullptr;
-    if (file != nullptr && xml_has_input_file(file))
+    if (file != nullptr && file != file_manager.internal_file() && xml_has_input_file(file))
         write_xml_tag_idref(XML_input_file_ref, xml_build_str("fl", 1, file->file_id()));
     write_xml_tag_end(XML_object_component);
     components.add(object->id());
@@ -106,7 +106,8 @@ XML_TAG_ID contents_tag(XML_TAG_ID group) {
     }
 }
 
-// The ranges that an object without room could have gone to.
+// The ranges that an object without room could have gone to. Members of a GROUP that found none have
+// no wishes of their own.
 void note_available_ranges(const LINKER_OBJECT* object) {
     for (LOCATOR* locator : {object->run_locator(), object->load_locator()}) {
         if (locator == nullptr || !locator->placement_failed()) continue;
@@ -131,13 +132,13 @@ void write_contents(const COLLECTION* collection) {
     }
 }
 
-void write_group(COLLECTION* collection, XML_TAG_ID tag) {
+void write_group(COLLECTION* collection, XML_TAG_ID tag, bool in_failed) {
     const char* color = "cyan";
     const char* display = "no";
     if (collection->failed_to_allocate()) {
         color = "red";
         display = "yes";
-        note_available_ranges(collection);
+        if (!in_failed) note_available_ranges(collection);
     } else if (strncmp(collection->name(), ".debug", 6) == 0) {
         display = "never";
     }
@@ -158,12 +159,14 @@ void write_group(COLLECTION* collection, XML_TAG_ID tag) {
     groups.add(collection->id());
 }
 
-void write_groups_below(COLLECTION* collection) {
+// `in_failed`: something around the members found no room.
+void write_groups_below(COLLECTION* collection, bool in_failed) {
     for (LINKER_OBJECT* member : collection->members()) {
         COLLECTION* below = as_collection(member);
         if (below == nullptr || below->set_visited(true)) continue;
-        write_groups_below(below);
-        if (XML_TAG_ID tag = group_tag(below); tag != XML_invalid) write_group(below, tag);
+        write_groups_below(below, in_failed || below->failed_to_allocate());
+        if (XML_TAG_ID tag = group_tag(below); tag != XML_invalid)
+            write_group(below, tag, in_failed);
     }
 }
 
@@ -241,7 +244,7 @@ void write_xml_logical_groups() {
     avail_mem_range.clear();
     root_collection->clear_visited_flags();
     write_xml_tag_begin(XML_logical_group_list);
-    write_groups_below(root_collection);
+    write_groups_below(root_collection, false);
     write_xml_tag_end(XML_logical_group_list);
     root_collection->clear_visited_flags();
 }

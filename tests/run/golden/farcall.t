@@ -79,4 +79,4 @@ SOURCE_DATE_EPOCH=0
 error: program will not fit into available memory.
 error: errors encountered during linking; "out.elf" not built
 --- args
-start.o digits.o lib.a link.cmd -o out.elf --map_file=out.map
+start.o digits.o lib.a link.cmd -o out.elf --map_file=out.map --xml_link_info=out.xml

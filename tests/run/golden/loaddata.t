@@ -91,4 +91,4 @@ SECTIONS
 --- env
 SOURCE_DATE_EPOCH=0
 --- args
-start.o runtime.a link.cmd --mapfile_contents=all,nosym_defs -o out.elf --map_file=out.map
+start.o runtime.a link.cmd --mapfile_contents=all,nosym_defs -o out.elf --map_file=out.map --xml_link_info=out.xml

@@ -79,4 +79,4 @@ SECTIONS
 SOURCE_DATE_EPOCH=1700000000
 --- args
 start.o sub/two.o lib.a link.cmd --undef_sym=more --retain=*(.copied) --retain=*(.shadow) --retain=*(.kept)
---hide=hidden_one --localize=local_one --fill_value=0x7E --mapfile_contents=all -o out.elf --map_file=out.map
+--hide=hidden_one --localize=local_one --fill_value=0x7E --mapfile_contents=all -o out.elf --map_file=out.map --xml_link_info=out.xml
