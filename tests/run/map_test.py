@@ -21,7 +21,7 @@ LOAD = 1
 ALLOC, WRITE, EXEC = 2, 1, 4
 # The parts of the map that only some programs have.
 PARTS = {"overlays": {"copy_tables", "handlers", "far_calls"}, "rom-model": {"copy_tables", "handlers"},
-         "crc": {"copy_tables", "handlers", "crc_tables"}, "farcall": {"far_calls"}, "farcall-a15": {"far_calls"}}
+         "crc": {"copy_tables", "handlers", "crc_tables"}, "farcall": {"far_calls"}, "farcall-a15": {"far_calls", "veneers"}}
 
 
 class Program:
@@ -210,7 +210,7 @@ def check_stubs(report, program):
     memory = arm_branch.Memory(program.elf)
     stubs = sorted((s.name, s.value & ~1) for s in program.elf.symbols if s.name.startswith(("$Tramp$", "$Ven$")))
     same("stubs", sorted((s.name, s.address) for s in report.far_calls + report.veneers), stubs)
-    for stub in report.far_calls:
+    for stub in report.far_calls + report.veneers:
         same(f"place of {stub.callee}", stub.callee_address, program.elf.symbol(stub.callee).value)
         for call in stub.calls:
             if stub.address not in branches_to(memory, call.address):
