@@ -166,12 +166,13 @@ static void copy_leaf(LINKER_OBJECT* leaf, OFE::OF_SECTION* to, uint32_t offset)
 }
 
 // What is unpacked has a fill in its gaps like what is stored as it is. The run image has no load
-// placement any more, for which gaps would have become members.
+// placement any more, for which gaps would have become members; the fill of the range where it was
+// to be stored means the memory around the image.
 void COMPRESSED_SECTION::fill_gaps() {
     OFE::OF_SECTION* to = OF_SECTION_api();
     to->set_run_addr(static_cast<uint32_t>(run_->run_address())); // what patterns are anchored to
-    const LOCATOR* run = run_->run_locator();
-    FILL_SPEC* fill = FILL_SPEC::of_gaps(run_, run != nullptr ? run->range() : nullptr);
+    const LOCATOR* only = run_->has_attr(PA_RUN_IMAGE) ? nullptr : run_->run_locator();
+    FILL_SPEC* fill = FILL_SPEC::of_gaps(run_, only != nullptr ? only->range() : nullptr);
     if (fill->value() != 0) fill_data(to, 0, narrow<uint32_t>(run_->size()), fill);
 }
 

@@ -52,6 +52,11 @@ short CINIT_RECORD::fallback_kind() const {
     return kind() == CMPRS_ZERO_INIT ? CMPRS_ZERO_INIT : CMPRS_COPY;
 }
 
+// A size of 0 would say that the data is encoded.
+bool COPY_RECORD::is_needed() const {
+    return outsect()->size() != 0;
+}
+
 void COPY_RECORD::remove_associated_sections() {
     if (compressed_ == nullptr) return;
     global_compress_db->remove_compressed_section(compressed_);

@@ -22,6 +22,7 @@ class COPY_RECORD : public LOAD_DATA_RECORD {
     uint64_t load_size() const override;
     uint64_t source_addr() const override;
     int source_page() const override;
+    bool is_needed() const override;
     void remove_associated_sections() override;
     void update_after_split(LOAD_DATA_RECORD* piece) override;
     void write_record(DATA_MAP& data) override { write_copy_record(data); }
@@ -58,6 +59,7 @@ class CINIT_RECORD : public COPY_RECORD {
   public:
     using COPY_RECORD::COPY_RECORD;
     bool is_cinit_record() const override { return true; }
+    bool is_needed() const override { return true; }
     short fallback_kind() const override;
     void attach_compression_object(const LOCATOR* locator) override;
 };

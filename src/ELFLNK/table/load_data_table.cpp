@@ -68,7 +68,7 @@ LOAD_DATA_TABLE::LOAD_DATA_TABLE(const LOAD_DATA_TABLE_DB& db, const char* user_
 }
 
 uint64_t LOAD_DATA_TABLE::size() {
-    if (record_count() == 0) return 0;
+    if (record_count() == 0) return is_emptied_ ? header_size() : 0;
     return header_size() + uint64_t{record_size()} * record_count();
 }
 
@@ -101,13 +101,15 @@ std::unique_ptr<LOAD_DATA_RECORD> LOAD_DATA_TABLE::take_record(const COLLECTION*
 void LOAD_DATA_TABLE::process_split_sections() {
     LOAD_DATA_RECORDS now;
     for (auto& record : records_) {
-        if (!record->outsect()->is_split_container()) {
+        const bool is_split = record->outsect()->is_split_container();
+        if (!is_split && record->is_needed()) {
             now.push_back(std::move(record));
             continue;
         }
-        record->process_split_section(now);
+        if (is_split) record->process_split_section(now);
         record->remove_associated_sections();
     }
+    is_emptied_ = now.empty() && !records_.empty();
     records_ = std::move(now);
     split_processed_ = true;
 }
@@ -127,7 +129,7 @@ void LOAD_DATA_TABLE::write_header(DATA_MAP& data) {
 }
 
 void LOAD_DATA_TABLE::finalize_internal(OFE::OF_SECTION*, uint32_t) {
-    if (record_count() == 0) return;
+    if (size() == 0) return;
     if (!placed_in_phase_2_) {
         DIAG_REPORT(elnk_tblop_not_placed, table_type_string());
         return;

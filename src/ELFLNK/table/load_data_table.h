@@ -44,6 +44,8 @@ class LOAD_DATA_RECORD {
     virtual uint64_t load_size() const;
     virtual uint64_t source_addr() const;
     virtual int source_page() const;
+    /// False: there is nothing that the record would tell, now that sections have their sizes.
+    virtual bool is_needed() const { return true; }
     /// The record goes: so does what was made for it.
     virtual void remove_associated_sections() {}
     virtual void generate_map_file() = 0;
@@ -103,7 +105,9 @@ class LOAD_DATA_TABLE : public SECTION {
 
     /// A record for an output section; on any other kind one for each output section below.
     void add_records(COLLECTION* collection, short kind, const SOURCE_POSITION* pos);
-    /// Records of split output sections become records of the pieces; once.
+    /// When the output sections have their sizes, once: records of split ones become records of
+    /// the pieces, and records that tell nothing go. A table that is left without records keeps
+    /// its header.
     void process_split_sections();
 
     const char* user_name() const { return user_name_; }
@@ -124,4 +128,5 @@ class LOAD_DATA_TABLE : public SECTION {
     const char* user_name_;
     bool placed_in_phase_2_ = false;
     bool split_processed_ = false;
+    bool is_emptied_ = false; ///< its records went when their sections had their sizes
 };

@@ -45,6 +45,26 @@ __QV_table_first  0x1008 .ovly
 0c 00 02 00
 00 18 00 00  00 80 00 00  04 00 00 00
 04 18 00 00  04 80 00 00  04 00 00 00
+--- case a section that comes out empty has no record: a size of 0 would mean encoded data
+--- link.cmd
+SECTIONS {
+    .text : { *(.text*) *(.refs) } > ROM
+    .ovly : > 0x1900
+    .none : { . = ALIGN(4); *(.none*) . = ALIGN(4); } LOAD > 0x1800, RUN > RAM, table(first), table(none)
+    .data : LOAD > ROM, RUN > RAM, table(none, compression=rle)
+    .one : LOAD > 0x1800, RUN > 0x8010, table(first)
+    .two : > RAM
+    .three : > RAM
+}
+__QV_decompress_rle24 = 0;
+--- args
+a.o mem.cmd link.cmd -o out.elf --diag_suppress=10151
+--- sym
+first 0x1900 .ovly
+none  0x1910 .ovly
+--- bytes .ovly
+0c 00 01 00  00 18 00 00  10 80 00 00  04 00 00 00
+0c 00 00 00
 --- case two tables on a section, one of them with sections of its own
 --- link.cmd
 SECTIONS {
