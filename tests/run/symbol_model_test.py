@@ -22,14 +22,15 @@ MEMORY { M : origin = 0x1000, length = 0x10000 }
 SECTIONS { .text : { *(.text*) } > M   .data : > M   .bss : > M }
 """
 
-# kind: data (in a section), absolute, common. number: the word it holds, its value, its size; each of the first two once.
+# kind: data (in a section), comdat (in one of a group), absolute, common.
+# number: the word it holds, its value, its size; only sizes come more than once.
 Definition = namedtuple("Definition", "kind weak number")
 
 
 def random_definitions(rng, numbers):
     found = {}
     for name in NAMES:
-        kind = rng.choice(["data", "absolute", "common", None, None])
+        kind = rng.choice(["data", "comdat", "absolute", "common", None, None])
         if kind == "common":
             found[name] = Definition(kind, False, rng.choice([4, 8, 12, 16]))
         elif kind:
@@ -45,8 +46,9 @@ def source(definitions):
             lines.append(f".comm {name}, {d.number}, 4")
             continue
         lines.append(f".{'weak' if d.weak else 'global'} {name}")
+        flags = f'"awG", %progbits, {name}, comdat' if d.kind == "comdat" else '"aw"'
         lines.append(f"{name} = {d.number}" if d.kind == "absolute" else
-                     f".section .data.{name}, \"aw\"\n{name}: .word {d.number}\n.size {name}, 4")
+                     f".section .data.{name}, {flags}\n{name}: .word {d.number}\n.size {name}, 4")
     return "\n".join(lines) + "\n" + PROMISE
 
 
@@ -56,14 +58,20 @@ def settle(held, new):
         return (new if held.weak and not new.weak else held), False
     if held.kind == new.kind == "common":
         return (new if new.number > held.number else held), False
+    if {held.kind, new.kind} == {"data", "comdat"}:
+        return (new if held.kind == "comdat" else held), False
     return held, not (held.kind == new.kind == "absolute" and held.number == new.number)
 
 
 def expect(order, objects):
     """Winner by name, and the redefinitions to be reported."""
-    winners, first_file, faults = {}, {}, Counter()
+    winners, first_file, faults, groups = {}, {}, Counter(), set()
     for file in order:
         for name, new in objects[file].items():
+            if new.kind == "comdat" and name in groups:
+                continue  # of the groups of one name the first stays
+            if new.kind == "comdat":
+                groups.add(name)
             if name not in winners:
                 winners[name], first_file[name] = new, file
                 continue
@@ -91,8 +99,8 @@ def check(order, objects, done, work):
     elf = Elf(work / "out.elf")
     for name, winner in winners.items():
         symbol = elf.symbol(name)
-        found = symbol and {"data": lambda s: word_at(elf, s.value), "absolute": lambda s: s.value,
-                            "common": lambda s: s.size}[winner.kind](symbol)
+        found = symbol and (symbol.value if winner.kind == "absolute" else
+                            symbol.size if winner.kind == "common" else word_at(elf, symbol.value))
         if found != winner.number or (symbol.section == "ABS") != (winner.kind == "absolute"):
             return f"{name}: {symbol}, {found} instead of {winner}"
     return None
