@@ -168,13 +168,13 @@ def check_copy_tables(report, program):
             same(f"place of {table.name}", at, program.elf.symbol(table.name).value)
             at += 4
         for row in table.rows:
-            encoded = image[row["name"]].type == SHT_NOBITS
+            encoded = row["compression"] != "none"
             size = [] if cinit else [0 if encoded else row["load size"]]
             same(f"record of {row['name']}", [row["load addr"], row["run addr"], *size],
                  [program.word(at + 4 * i) for i in range(table.record_size // 4)])
             section = image[row["name"]]
             same(f"{row['name']} in {table.name}", (row["run addr"], row["run size"]), (section.addr, section.size))
-            same(f"compression of {row['name']}", row["compression"] != "none", encoded)
+            same(f"compression of {row['name']}", encoded, section.type == SHT_NOBITS)
             at += table.record_size
     for table in report.handlers:
         for i, routine in enumerate(table.rows):
@@ -185,7 +185,7 @@ def check_copy_tables(report, program):
 def check_crc_tables(report, program):
     for table in report.crc_tables:
         same(f"head of {table.name}", (table.record_size, table.records),
-             (program.word(table.address, 2), program.word(table.address + 4, 2)))
+             (program.word(table.address), program.word(table.address + 4)))
         same(f"size of {table.name}", table.size, 8 + table.records * table.record_size)
         same(f"place of {table.name}", table.address, program.elf.symbol(table.name).value)
         at = table.address + 8

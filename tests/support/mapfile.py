@@ -22,7 +22,7 @@ HEADINGS = {
     "LINKER GENERATED HANDLER TABLE": "handlers", "LINKER GENERATED CRC TABLES": "crc_tables",
     "FAR CALL TRAMPOLINES": "far_calls", "GLOBAL SYMBOLS: SORTED ALPHABETICALLY BY Name": "by_name",
     "GLOBAL SYMBOLS: SORTED BY Symbol Address": "by_address", "HIDDEN SYMBOLS:": "hidden",
-    "LOCALIZED SYMBOLS:": "localized", "SYMBOL DEFINITIONS BY INPUT FILE": "definitions",
+    "LOCALIZED SYMBOLS:": "localized", "COMDAT SYMBOLS NOT HIDDEN OR LOCALIZED:": "comdat", "SYMBOL DEFINITIONS BY INPUT FILE": "definitions",
 }
 
 
@@ -171,7 +171,7 @@ class Map:
 
     def read_symbols(self, lines):
         """[(address or None, name)] and the number that stands below."""
-        rows = [self.match(r"(UNDEFED |[0-9a-f]{8})  (\S.*?)(?: +[0-9a-f]{8})?", line)
+        rows = [self.match(r"(UNDEFED|[0-9a-f]{8}) +(\S.*?)(?: +[0-9a-f]{8})?", line)
                 for line in lines[2:] if not line.startswith("[")]
         count = [int(line.split()[0][1:]) for line in lines if line.startswith("[")]
-        return [(None if m[1] == "UNDEFED " else int(m[1], 16), m[2]) for m in rows], count[0] if count else None
+        return [(None if m[1] == "UNDEFED" else int(m[1], 16), m[2]) for m in rows], count[0] if count else None
