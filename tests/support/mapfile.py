@@ -22,7 +22,8 @@ HEADINGS = {
     "LINKER GENERATED HANDLER TABLE": "handlers", "LINKER GENERATED CRC TABLES": "crc_tables",
     "FAR CALL TRAMPOLINES": "far_calls", "GLOBAL SYMBOLS: SORTED ALPHABETICALLY BY Name": "by_name",
     "GLOBAL SYMBOLS: SORTED BY Symbol Address": "by_address", "HIDDEN SYMBOLS:": "hidden",
-    "LOCALIZED SYMBOLS:": "localized", "COMDAT SYMBOLS NOT HIDDEN OR LOCALIZED:": "comdat", "SYMBOL DEFINITIONS BY INPUT FILE": "definitions",
+    "LOCALIZED SYMBOLS:": "localized", "COMDAT SYMBOLS NOT HIDDEN OR LOCALIZED:": "comdat",
+    "SYMBOL DEFINITIONS BY INPUT FILE": "definitions",
 }
 
 
