@@ -91,7 +91,7 @@ int MESSAGE_BASE::report() {
         append_formatted(text, info()->vrb_msg, arguments_, used);
         printed += print_text(text);
     }
-    if (verbose_m) printed += print_text(hint());
+    if (verbose_m && !hint().empty()) printed += print_text(hint());
     flush();
     return printed;
 }
