@@ -12,6 +12,7 @@
 #include "ELFLNK/symbol/symbol_table.h"
 #include "ELFLNK/target/target.h"
 #include "ELFLNK/write/make_static.h"
+#include "OBJEDIT04/machine/machine_db.h"
 #include "OBJEDIT04/ofe/object_file.h"
 #include "OBJEDIT04/ofe/of_section.h"
 #include "OBJEDIT04/ofe/of_symbol.h"
@@ -91,8 +92,14 @@ bool OUTSYM_ATTR_MANAGER::decide(const RULE& rule, OF_SYMBOL* symbol) {
     return false;
 }
 
+// Without the names of the symbols that tell code from data the next link could not.
+static bool is_mapping_symbol(OF_SYMBOL* symbol) {
+    return symbol->binding() == OF_SYM_BINDING_LOCAL &&
+           symbol->ofile()->machine_db()->is_mapping_sym_name(symbol->name());
+}
+
 bool OUTSYM_ATTR_MANAGER::needs_hiding(OF_SYMBOL* symbol) const {
-    if (symbol->kind() == OF_SYM_KIND_UNDEFINED) return false;
+    if (symbol->kind() == OF_SYM_KIND_UNDEFINED || is_mapping_symbol(symbol)) return false;
     return decide({"hide", "--hide=", "--unhide=", hide_, unhide_}, symbol);
 }
 

@@ -67,6 +67,9 @@ class ARM_MACHINE_DB final : public OF_MACHINE_DB {
     // Mapping symbols. An address is a run address where the file's symbol values are addresses,
     // else an offset from the section's run address plus that address.
     void find_mapping_syms() override;
+    bool is_mapping_sym_name(const char* name) const override {
+        return mapping_sym_mode(name) != ARM_TYPES::SM_UNKNOWN;
+    }
     SECTION_MODE section_mode_addr(OF_SECTION* section, unsigned addr);
     bool is_mapped_from_start(OF_SECTION* section); // a mapping symbol stands at its first byte
     static const char* mapping_sym_name(SECTION_MODE mode);

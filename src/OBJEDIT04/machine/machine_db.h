@@ -113,6 +113,8 @@ class OF_MACHINE_DB {
 
     // Finds the symbols that mark code of several kinds and data within a section.
     virtual void find_mapping_syms() {}
+    /// Local symbols of this name say what the bytes are from there on.
+    virtual bool is_mapping_sym_name(const char*) const { return false; }
 
   protected:
     OBJECT_FILE* file_;

@@ -166,3 +166,10 @@ warning: symbol "nowhere" is not found; --import="nowhere" is ignored
 --- readelf -sW
 NOTYPE LOCAL HIDDEN 8 kept_inside
 NOTYPE GLOBAL DEFAULT 8 _start
+--- case what_tells_code_from_data_is_never_hidden
+--- args
+a.o -r -o out.elf --hide=*
+--- sym
+foo -
+--- readelf -sW
+LOCAL DEFAULT 4 $t
