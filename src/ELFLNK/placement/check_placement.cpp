@@ -40,8 +40,7 @@ class CHECKER {
 
     static bool shares_addresses(const LOCATOR* item) {
         const COLLECTION* parent = item->object()->parent();
-        return parent != nullptr && parent->run_locator() != nullptr &&
-               parent->run_locator()->is_overlay();
+        return parent != nullptr && parent->kind() == COLLECTION_UNION;
     }
 
     /// An empty object takes no room from anybody, though there may be gaps in it.

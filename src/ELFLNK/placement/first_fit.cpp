@@ -188,6 +188,7 @@ bool LOCATOR::search_holes(MEMORY_RANGE* range, MEMORY_RANGE* trial, uint64_t st
         if (!must_consolidate(final, start)) note_attempt_in_vain(range);
         return false;
     }
+    const uint64_t low = start;
     while (range->first_hole(start, final, length, alignment_in_hole(), &hole)) {
         if (must_consolidate(start, hole.start)) return false;
         if (try_hole(hole)) return true;
@@ -197,9 +198,8 @@ bool LOCATOR::search_holes(MEMORY_RANGE* range, MEMORY_RANGE* trial, uint64_t st
     if (must_consolidate(start, final)) return false;
     // Members of size 0 of what is split need no room behind what is there.
     const LOCATOR_SET& contents = range->contents();
-    if (is_split() && !contents.empty() && (*contents.rbegin())->end_ == final &&
-        try_hole({final, final}))
-        return true;
+    const uint64_t behind = contents.empty() ? low : (*contents.rbegin())->end_;
+    if (is_split() && behind == final && try_hole({final, final})) return true;
     note_attempt_in_vain(range);
     return false;
 }
