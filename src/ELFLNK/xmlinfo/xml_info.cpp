@@ -1,7 +1,6 @@
 // The document's frame: its order, and the parts about files, symbols, calls and the outcome.
 #include "ELFLNK/xmlinfo/xml_info.h"
 
-#include <set>
 #include <string>
 #include <vector>
 
@@ -67,7 +66,7 @@ void write_title() {
 
 // ---- input files ---------------------------------------------------------------------------
 
-std::set<unsigned> file_ids;
+XML_ID_SET file_ids;
 
 void write_path(const char* name) {
     std::string dir, base;
@@ -77,7 +76,7 @@ void write_path(const char* name) {
 
 // An object that was named itself is in both lists of files.
 void write_input_file(INPUT_FILE* file) {
-    if (!file_ids.insert(file->file_id()).second) return;
+    if (!file_ids.add(file->file_id())) return;
     write_xml_tag_begin_id(XML_input_file, xml_build_str("fl", 1, file->file_id()));
     const OBJ_FILE* object = file->as_object_file();
     const ARCHIVE_FILE* library = object != nullptr ? object->archive() : nullptr;
@@ -205,7 +204,7 @@ void write_symbols() {
 } // namespace
 
 bool xml_has_input_file(const INPUT_FILE* file) {
-    return file_ids.contains(file->file_id());
+    return file_ids.has(file->file_id());
 }
 
 void generate_xml_info() {

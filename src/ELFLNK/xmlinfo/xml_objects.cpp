@@ -20,21 +20,8 @@
 
 namespace {
 
-class ID_SET {
-  public:
-    void clear() { bits_.clear(); }
-    void add(size_t id) {
-        if (id >= bits_.size()) bits_.resize(std::max(id + 1, bits_.size() * 2));
-        bits_[id] = true;
-    }
-    bool has(size_t id) const { return id < bits_.size() && bits_[id]; }
-
-  private:
-    std::vector<bool> bits_;
-};
-
-ID_SET components;
-ID_SET groups;
+XML_ID_SET components;
+XML_ID_SET groups;
 std::set<std::string_view> avail_mem_range;
 
 const char* component_id(const LINKER_OBJECT* object) {
@@ -106,8 +93,8 @@ XML_TAG_ID contents_tag(XML_TAG_ID group) {
     }
 }
 
-// The ranges that an object without room could have gone to. Members of a GROUP that found none have
-// no wishes of their own.
+// The ranges that an object without room could have gone to. Members of a GROUP that found none
+// have no wishes of their own.
 void note_available_ranges(const LINKER_OBJECT* object) {
     for (LOCATOR* locator : {object->run_locator(), object->load_locator()}) {
         if (locator == nullptr || !locator->placement_failed()) continue;
@@ -246,7 +233,6 @@ void write_xml_logical_groups() {
     write_xml_tag_begin(XML_logical_group_list);
     write_groups_below(root_collection, false);
     write_xml_tag_end(XML_logical_group_list);
-    root_collection->clear_visited_flags();
 }
 
 void write_xml_placement_map() {
