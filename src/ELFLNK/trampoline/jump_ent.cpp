@@ -53,9 +53,12 @@ bool JUMP_ENT::any() {
 }
 
 std::vector<JUMP_ENT*> JUMP_ENT::all_of_kind(int kind) {
+    std::vector<JUMP_ENT*> list;
+    if (std::none_of(registry().begin(), registry().end(),
+                     [=](const JUMP_ENT* entry) { return entry->jump_type_kind() == kind; }))
+        return list; // without a walk over the tree
     std::vector<LINKER_OBJECT*> all;
     root_collection->flatten(all, &LINKER_OBJECT::is_jump_ent);
-    std::vector<JUMP_ENT*> list;
     for (LINKER_OBJECT* object : all) {
         auto* entry = static_cast<JUMP_ENT*>(object);
         if (entry->jump_type_kind() == kind) list.push_back(entry);
