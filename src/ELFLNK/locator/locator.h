@@ -378,6 +378,7 @@ class LOCATOR : public OALLOC<LOCATOR> {
     void commit_final();
     void update_range(MEMORY_RANGE* range);
     bool has_range_of_its_own() const;
+    void leave_range_of_its_own();
     void forget_placement();
     void detach_call_sites();
     void drop_trampolines();
@@ -390,6 +391,7 @@ class LOCATOR : public OALLOC<LOCATOR> {
     bool stands_aside(const LOCATOR* sub) const;
     bool lay_out_aside(LOCATOR* sub);
     bool place_member(LOCATOR* sub, MEMORY_RANGE* trial, uint64_t& cursor);
+    bool place_held_back(LOCATOR_LIST& held_back, MEMORY_RANGE* trial);
     bool place_members(MEMORY_RANGE* trial);
     bool place_split_members(MEMORY_RANGE* trial);
     bool place_split_member(LOCATOR* sub, MEMORY_RANGE* trial);

@@ -107,6 +107,7 @@ void LOCATOR::set_unsplit_failed_and_reset() {
         drop_trampolines();
         detach_call_sites();
     }
+    leave_range_of_its_own();
     clear_flag(LF_PLACED | LF_COMPLETE | LF_PRE_PLACED);
     set_flag(LF_SPLIT_FAILED);
     range_ = nullptr;

@@ -319,13 +319,16 @@ bool LOCATOR::has_range_of_its_own() const {
            range_->is_hidden() && !range_->is_temp_layout();
 }
 
-/// The flags and the range of what lies below, without a word to the range. What stands aside may
-/// be put elsewhere by the next attempt.
+/// What stands aside may be put elsewhere by the next attempt; the range is nobody's room then.
+void LOCATOR::leave_range_of_its_own() {
+    if (!has_range_of_its_own() || !range_->contents().contains(this)) return;
+    range_->remove_item(this, false);
+    range_->set_subrange_endpoints(range_->origin(), range_->origin());
+}
+
+/// The flags and the range of what lies below, without a word to the range.
 void LOCATOR::forget_placement() {
-    if (has_range_of_its_own()) {
-        range_->remove_item(this, false);
-        attempts_ = 0;
-    }
+    leave_range_of_its_own();
     range_ = nullptr;
     clear_flag(LF_PLACED | LF_COMPLETE);
     if (more_ != nullptr) more_->unplaced.clear();

@@ -56,8 +56,8 @@ MEMORY_RANGE* make_range_outside(int page, uint64_t addr) {
 /// A virtual range occupies no more than the object in it. A split object stands there as its
 /// members.
 void shrink_to_contents(MEMORY_RANGE* range) {
-    if (range->contents().empty()) return;
-    uint64_t begin = (*range->contents().begin())->address();
+    const bool is_empty = range->contents().empty();
+    uint64_t begin = is_empty ? range->origin() : (*range->contents().begin())->address();
     uint64_t end = begin;
     for (const LOCATOR* item : range->contents()) end = std::max(end, item->end_address());
     range->set_subrange_endpoints(begin, end);
@@ -209,6 +209,7 @@ bool LOCATOR::insert_into_virtual_range(uint64_t addr) {
     if (!has_flag(LF_SPLIT_FAILED)) clear_flag(LF_SPLIT);
     clear_flag(LF_HIGHEST);
     set_flag(LF_ONE_ATTEMPT);
+    attempts_ = 0;
     const bool placed = insert_into_range(range);
     shrink_to_contents(range);
     return placed;
