@@ -45,7 +45,10 @@ class Problem:
         self.aligns = rng.choice([[1, 2, 4], [4], [1, 4, 8, 16], [4, 4, 4, 64]])
         self.with_load = rng.random() < 0.4
         self.with_split = rng.random() < 0.5
-        self.ranges = self.make_ranges()
+        self.ranges, self.windows = self.make_ranges(), []
+        memory = [f"  {self.range_text(r)}, length = {r.length:#x}" for r in self.ranges]
+        if self.maybe(0.2):
+            memory.append(self.make_windows())
         self.options = [o for o, chance in (("--alphabetical_ordering", 0.1), ("--no_placement_optimization", 0.1))
                         if rng.random() < chance]
         entries = [self.entry(0) for _ in range(rng.randrange(1, 9))]
@@ -54,7 +57,6 @@ class Problem:
         self.roots = [obj for _, obj in entries]
         for obj in self.roots:
             self.dissolve(obj)
-        memory = [f"  {r.name}{self.attr_text(r)} : origin = {r.origin:#x}, length = {r.length:#x}" for r in self.ranges]
         self.text = "\n".join(["--entry_point=sym_0", "--unused_section_elimination=off", *self.options, "MEMORY", "{",
                                *memory, "}", "SECTIONS", "{", *(text for text, _ in entries), "}", ""])
 
@@ -70,6 +72,20 @@ class Problem:
             ranges.append(Range(f"R{i}", at, length, attrs))
             at += length + rng.choice([0, 0, 2, 0x100, 0x10000])
         return ranges
+
+    def make_windows(self):
+        """One memory at two addresses, in front of all other ranges or behind them."""
+        rng = self.rng
+        length, at = rng.choice([0x40, 0x102, 0x400]), rng.choice([0x1000000, 0x1000004])
+        first, second = Range("W0", at, length), Range("W1", at + 0x1000000, length)
+        if self.maybe(0.3):
+            first.origin, second.origin = second.origin, first.origin
+        first.alias = second.alias = first
+        self.windows = [first, second]
+        return f"  ALIAS {{ {' '.join(self.range_text(r) for r in self.windows)} }} length = {length:#x}"
+
+    def range_text(self, r):
+        return f"{r.name}{self.attr_text(r)} : origin = {r.origin:#x}"
 
     @staticmethod
     def attr_text(r):
@@ -102,11 +118,12 @@ class Problem:
 
     # ---- wishes
 
-    def place(self, loc, may_split=True, may_high=True):
-        """The text of a placement, which the locator gets too."""
+    def place(self, loc, may_split=True, may_high=True, in_window=False):
+        """The text of a placement, which the locator gets too; `in_window`: what has no data there."""
         rng = self.rng
+        ranges = self.ranges + self.windows * (in_window or self.maybe(0.02))
         if self.maybe(0.08):
-            r = rng.choice(self.ranges)
+            r = rng.choice(ranges)
             loc.specific = r.origin + rng.randrange(0, r.length, 4)
             return f"> {loc.specific:#x}"
         if self.maybe(0.08):
@@ -114,9 +131,9 @@ class Problem:
             loc.attrs = ATTRS[word]
             text = f"> ({word})"
         else:
-            names = rng.sample([r.name for r in self.ranges], rng.randrange(1, min(3, len(self.ranges)) + 1))
+            names = rng.sample([r.name for r in ranges], rng.randrange(1, min(3, len(ranges)) + 1))
             loc.ranges = names
-            loc.split = may_split and self.with_split and self.maybe(0.4)
+            loc.split = may_split and (in_window or len(ranges) == len(self.ranges)) and self.with_split and self.maybe(0.4)
             text = f"{'>>' if loc.split else '>'} {' | '.join(names)}"
         if may_high and self.maybe(0.12) and loc.attrs is None:
             loc.high = True
@@ -152,7 +169,7 @@ class Problem:
             obj.set_locator(run)
             obj.set_locator(load)
         elif self.with_load and has_data and self.maybe(0.5):
-            words.append(f"RUN {self.place(run, may_split)}, LOAD {self.place(load, may_split=False)}")
+            words.append(f"RUN {self.place(run, may_split, in_window=True)}, LOAD {self.place(load, may_split=False)}")
             obj.set_locator(run)
             obj.set_locator(load)
             if self.maybe(0.8):
@@ -162,7 +179,7 @@ class Problem:
         else:
             run.kind = BOTH
             if self.maybe(0.9):
-                words.append(self.place(run, may_split))
+                words.append(self.place(run, may_split, in_window=not has_data))
             if self.maybe(0.2):
                 run.priority = rng.randrange(1, 4)
                 words.append(f"PRIORITY({run.priority})")
@@ -258,7 +275,7 @@ class Problem:
 def reports_of(text):
     """The errors of placement, each on one line."""
     joined = re.sub(r"\s+", " ", text)
-    found = re.findall(r'error: (program will not fit .*?|no valid memory range.*?")(?= ?(?:"[^"]*", line|warning:|error:|remark:|$))',
+    found = re.findall(r'error: (program will not fit .*?|no valid memory range.*?"|ALIAS.*?\.)(?= ?(?:"[^"]*", line|warning:|error:|remark:|$))',
                        joined)
     return [re.sub(r" +", " ", report).strip() for report in found]
 
@@ -306,7 +323,7 @@ def run_problem(opts, number):
     work.mkdir(parents=True)
     (work / "a.o").write_bytes(problem.elf.bytes())
     (work / "link.cmd").write_text(problem.text)
-    model = Model(problem.ranges, problem.roots, "--alphabetical_ordering" in problem.options,
+    model = Model(problem.ranges + problem.windows, problem.roots, "--alphabetical_ordering" in problem.options,
                   "--no_placement_optimization" not in problem.options)
     model.place()
     env = {**os.environ, "ASAN_OPTIONS": "exitcode=99:handle_segv=2:detect_leaks=0"}

@@ -11,7 +11,7 @@ are those of one link without generated sections: sections, output sections, GRO
 import functools
 
 TOP = (1 << 64) - 1
-RUN, LOAD, BOTH = "run", "load", "both"
+RUN, LOAD, BOTH, ALT = "run", "load", "both", "alternate run"
 
 
 def up(n, align):
@@ -27,11 +27,24 @@ def stands_aside(sub, loc):
     return sub.virtual and (not loc.virtual or takes_no_memory(sub.obj, loc.obj))
 
 
+def leave_range_of_its_own(loc):
+    rng = loc.range
+    if loc.virtual and rng is not None and rng.parent is None and rng.hidden and not rng.temporary and loc in rng.contents:
+        rng.contents.remove(loc)
+        rng.cut(rng.origin, rng.origin)
+
+
 class Range:
     def __init__(self, name, origin, length, attrs=15, parent=None):
         self.name, self.origin, self.length, self.attrs, self.parent = name, origin, length, attrs, parent
         self.contents = []  # locators
         self.temporary = self.hidden = False
+        self.alias = None  # the first range of a pair of windows, for both
+
+    @property
+    def target(self):
+        """What takes objects in place of this."""
+        return self.alias or self
 
     @property
     def end(self):
@@ -68,6 +81,7 @@ class Locator:
         self.split = self.overlay = self.ordered = self.high = self.palign = self.power2 = False
         self.virtual = self.failed = self.one_attempt = self.specific_tried = False
         self.placed = self.complete = self.pre_placed = self.split_placed = False
+        self.moved = False  # to the first window of a pair
         self.min, self.max = 0, TOP
         self.address = self.end = 0
         self.range = None
@@ -104,7 +118,7 @@ class Obj:
         self.kind, self.name, self.id = kind, name, Obj.count  # section, outsect, spec, dot, GROUP, UNION, LOGICAL
         self.own_size, self.own_align, self.data = size, align, data
         self.members, self.parent = [], None
-        self.run = self.load = None
+        self.run = self.load = self.alt = None
         self.cached = None  # size, smallest size
         self.fixed_min = None
         self.init_overlay = self.load_placement = self.chosen = False
@@ -136,10 +150,15 @@ class Obj:
         locator.obj = self
         if locator.kind == LOAD:
             self.load = locator
+        elif locator.kind == ALT:
+            self.alt = locator
         else:
             self.run = locator
             if locator.kind == BOTH:
                 self.load = None
+
+    def locator(self, kind):
+        return self.load if kind == LOAD else self.alt if kind == ALT else self.run
 
     # ---- attributes and alignment flow up, data of an output section flows down
 
@@ -186,7 +205,7 @@ class Obj:
     # ---- size
 
     def layout_locator(self):
-        for l in (self.run, self.load):
+        for l in (self.alt, self.run, self.load):
             if l is not None and (l.placed or l.pre_placed) and not l.split:
                 return l
         return None
@@ -205,7 +224,7 @@ class Obj:
     def compute_sizes(self):
         layout = self.layout_locator()
         if layout is None and self.run is not None and self.run.placed and self.run.range is not None \
-                and self.run.range.name != "VIRTUAL":
+                and self.run.range.name != "VIRTUAL" and self.run.range.alias is None:
             layout = self.run
         if layout is not None:
             return layout.end - layout.address, layout.end - layout.address
@@ -245,7 +264,7 @@ class Model:
         self.alphabetical, self.optimize = alphabetical, optimize
         self.failures, self.warnings = [], []
         self.worklist = []
-        self.is_certain = True  # false: the comparison went in circles, and the order is that of some sort
+        self.is_certain = True  # false: the comparison went in circles, and the order is that of some sort; or a name isn't known
 
     # ---- before placement
 
@@ -255,6 +274,38 @@ class Model:
         for obj in self.root.members:
             self.analyze_object(obj, None, None)
         self.place_worklist()
+        self.place_in_both_windows()
+
+    def place_in_both_windows(self):
+        for rng in self.ranges:
+            if rng.target is not rng:
+                for item in rng.target.by_address():
+                    self.place_alternate(item, rng)
+
+    def place_alternate(self, item, rng):
+        obj = item.obj
+        if item.kind in (LOAD, BOTH):
+            if obj.size:
+                name = rng.name if item.moved else rng.target.name
+                self.failures.append(f"ALIAS'ed memory range, {name}, may only be used for run placement and not for load "
+                                     f"placement for \"{obj.name}\".")
+            return
+        other = Locator(ALT, obj)
+        other.specific = item.address + rng.origin - rng.target.origin
+        if item.moved:
+            self.become_alternate(item)
+            other.kind, other.moved = RUN, True
+        obj.set_locator(other)
+        reports = len(self.failures)
+        self.place_object(other)
+        if len(self.failures) > reports and obj.parent is not self.root:
+            self.is_certain = False  # the report names a piece of a split section
+
+    def become_alternate(self, loc):
+        if loc.kind in (RUN, BOTH):
+            loc.kind, loc.obj.run, loc.obj.alt = ALT, None, loc
+            for s in loc.subs:
+                self.become_alternate(s)
 
     def analyze_object(self, obj, enclosing_run, enclosing_load):
         if not obj.is_collection:
@@ -397,7 +448,8 @@ class Model:
                 self.worklist = self.sorted(self.worklist, True)
             loc = self.worklist.pop(0)
             self.place_object(loc)
-            again = not loc.specified or any(self.competes(loc, other) for other in self.worklist)
+            again = not loc.specified \
+                or any(r.target is not r for r in self.ranges) or any(self.competes(loc, other) for other in self.worklist)
 
     def sorted(self, items, use_priorities):
         for l in items:
@@ -501,24 +553,45 @@ class Model:
     def place_object(self, loc):
         if loc.high:
             self.pre_place_highest(loc)
+        tried = [next(r for r in self.ranges if r.name == name) for name in loc.ranges]
+        if loc.specific is not None:
+            rng = self.range_at(loc.specific)
+            if rng is not None and rng.target is not rng and loc.kind in (RUN, BOTH) and not loc.moved:
+                loc.specific += rng.target.origin - rng.origin
+                loc.moved = True
         if loc.virtual:
             address = loc.specific or 0
-            if loc.ranges and loc.specific is None and not loc.failed:
-                address = max(loc.min, next(r.origin for r in self.ranges if r.name == loc.ranges[0]))
+            if tried and loc.specific is None and not loc.failed:
+                address = max(loc.min, tried[0].target.origin)
             self.place_virtual(loc, address)
             return
         if loc.specific is not None:
-            rng = next((r for r in self.ranges if r.origin <= loc.specific < r.end), None)
-            tried = [rng]
-            ok = self.insert(loc, rng)
+            tried = [self.range_at(loc.specific)]
+            ok = self.insert(loc, tried[0])
         elif loc.ranges:
-            tried = [next(r for r in self.ranges if r.name == name) for name in loc.ranges]
-            ok = any(self.insert(loc, r) for r in tried)
+            ok = any(self.insert_by_name(loc, r) for r in tried)
         else:
             tried = [r for r in self.ranges if self.match(loc, r)]
             ok = any(self.insert(loc, r) for r in tried)
         if not ok:
             self.fail(loc, tried)
+
+    def range_at(self, address):
+        return next((r for r in self.ranges if r.origin <= address < r.end), None)
+
+    def insert_by_name(self, loc, rng):
+        parts = self.parts_without_place(loc) if rng.target is not rng else []
+        ok = self.insert(loc, rng.target)
+        for part in parts:
+            part.moved |= part.range is rng.target
+        loc.moved |= ok and rng.target is not rng
+        return ok
+
+    def parts_without_place(self, loc):
+        if not loc.split:
+            return [] if loc.complete else [loc]
+        self.extract(loc)
+        return [part for s in loc.subs for part in self.parts_without_place(s)]
 
     def fail(self, loc, tried):
         self.failures.append(self.failure_text(loc, tried))
@@ -537,6 +610,7 @@ class Model:
                 self.mark_split_failed(s) if s.split else self.mark_failed(s)
 
     def mark_failed(self, loc):
+        leave_range_of_its_own(loc)
         loc.placed = loc.complete = loc.pre_placed = False
         loc.failed, loc.range, loc.attempts, loc.address, loc.end = True, None, 0, 0, 0
         for s in loc.subs:
@@ -555,7 +629,7 @@ class Model:
         rng.hidden = True
         self.ranges = sorted(self.ranges + [rng], key=lambda r: (r.hidden, r.origin))
         loc.split &= loc.failed
-        loc.high, loc.one_attempt = False, True
+        loc.high, loc.one_attempt, loc.attempts = False, True, 0
         self.insert(loc, rng)
         begin = min((l.address for l in rng.contents), default=rng.origin)
         rng.cut(begin, max((l.end for l in rng.contents), default=begin))
@@ -577,7 +651,7 @@ class Model:
                 if rng.hidden:
                     continue
                 last += f" {rng.name} size: {rng.length:#x} unused: {rng.unused():#x} max hole: {self.largest(loc, rng):#x}"
-        kind = {RUN: "run ", LOAD: "load ", BOTH: ""}[loc.kind]
+        kind = {RUN: "run ", ALT: "run ", LOAD: "load ", BOTH: ""}[loc.kind]
         above = loc.obj.parent
         aligned = loc.align or loc.block or loc.palign or loc.power2 or (above is not None and above.own_align > 1)
         return f"program will not fit into available memory. {kind}placement {'with alignment ' if aligned else ''}fails " \
@@ -700,13 +774,12 @@ class Model:
         loc.obj.upon_placement()
 
     def uncommit(self, loc):
+        leave_range_of_its_own(loc)
         for s in loc.subs:
             if s.placed or not loc.placed:
                 self.uncommit(s)
         if loc.placed and loc.range is not None and loc in loc.range.contents:
             loc.range.contents.remove(loc)
-        if loc.virtual and loc.range is not None and loc.range.hidden:
-            loc.attempts = 0  # the next attempt may put it elsewhere
         loc.range, loc.placed, loc.complete = None, False, False
 
     # ---- collections
@@ -717,7 +790,7 @@ class Model:
         for m in loc.obj.members:
             if loc.kind == LOAD and loc.split and not m.data:
                 continue
-            sub = m.load if loc.kind == LOAD else m.run
+            sub = m.locator(loc.kind)
             aside = takes_no_memory(m, loc.obj)
             if sub is None and loc.kind == LOAD and aside:
                 continue  # loaded where it runs
@@ -797,7 +870,7 @@ class Model:
     def copy_layout(self, loc, source, delta):
         self.extract(loc)
         for s in loc.subs:
-            t = s.obj.load if source.kind == LOAD else s.obj.run
+            t = s.obj.locator(source.kind)
             if stands_aside(s, loc):
                 if not s.placed:
                     self.place_virtual(s, t.address + delta)
@@ -817,6 +890,7 @@ class Model:
         self.set_pre_placed(loc)
 
     def set_pre_placed(self, loc):
+        leave_range_of_its_own(loc)
         loc.pre_placed, loc.placed, loc.complete, loc.range = True, False, False, None
         for s in loc.subs:
             self.set_pre_placed(s)
