@@ -4,18 +4,18 @@ The XML link information: what stands in it in each situation. Whole documents a
     .section .text.start, "ax"
     .global start
     .thumb_func
-start: bl "less<1>&'2\""
+start: bl less
     ldr r0, =zeros
-    ldr r1, =value
+    ldr r1, ="va<l>&'ue\""
     .section .text.less, "ax"
-    .global "less<1>&'2\""
+    .global less
     .thumb_func
-"less<1>&'2\"": bx lr
+less: bx lr
     .section .debug_own
     .word start
     .data
-    .global value
-value: .word 1
+    .global "va<l>&'ue\""
+"va<l>&'ue\"": .word 1
     .bss
     .global zeros
 zeros: .space 8
@@ -62,7 +62,7 @@ a.o l.cmd -o out.elf --xml_link_info=out.xml
       <memory_area display="yes" color="green">
          <name>LONGER</name>
          <length>0x65</length>
-         <name>less&lt;1&gt;&amp;&apos;2&quot;</name>
+         <name>va&lt;l&gt;&amp;&apos;ue&quot;</name>
    <title>Link successful</title>
 </link_info>
 --- text out.xml lacks
