@@ -88,8 +88,8 @@ void order_by_heads(KEYS& keys, const ORDER_CONTEXT& context, bool no_wish_elsew
 }
 
 /// Without the graph: carriers of a priority by ascending number, each in front of the first
-/// carrier that isn't lower.
-void order_carriers(KEYS& keys) {
+/// carrier that isn't lower. Are there any?
+bool order_carriers(KEYS& keys) {
     KEYS carriers;
     for (const ORDER_KEY& key : keys)
         if (key.locator->has_flag(LF_PRIORITY)) carriers.push_back(key);
@@ -107,6 +107,7 @@ void order_carriers(KEYS& keys) {
         if (target < self) std::rotate(target, self, self + 1);
         if (self < target && target != keys.end()) std::rotate(self, self + 1, target);
     }
+    return !carriers.empty();
 }
 
 /// Without the graph: a run placement moves in front of the load placement of what it contains.
@@ -168,7 +169,8 @@ void sort_worklist(LOCATOR_LIST& list, bool use_priorities, ORDER_WATCH* watch) 
         watch->note(context, all);
     }
     if (global_opts->isopt(OPT_no_placement_optimization)) {
-        order_carriers(main);
+        // Without one carrier the others stand elsewhere.
+        if (order_carriers(main) && watch != nullptr) watch->forget();
         order_runs_before_loads(main);
     } else if (use_priorities && has_constraints(main)) {
         if (watch != nullptr && watch->may_stand())

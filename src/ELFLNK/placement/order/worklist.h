@@ -19,6 +19,8 @@ class ORDER_WATCH {
     bool stands_after(const LOCATOR* placed) const;
     /// Nothing but the room in ranges can change the order that was noted.
     bool may_stand() const { return may_stand_; }
+    /// The order changes with each object that is taken from the list.
+    void forget() { may_stand_ = false; }
 
   private:
     struct NEED {
