@@ -122,7 +122,7 @@ class Obj:
         self.cached = None  # size, smallest size
         self.fixed_min = None
         self.init_overlay = self.load_placement = self.chosen = False
-        self.anchored = False  # a symbol of it is referred to
+        self.anchored = False  # a symbol is its load address
         self.unordered = False
         self.type = None  # COPY, DSECT, NOLOAD
         self.allocated = kind in ("section", "dot")
@@ -174,6 +174,7 @@ class Obj:
             self.allocated |= m.allocated
             self.init_overlay |= m.init_overlay
             self.load_placement |= m.load_placement
+        self.allocated |= self.anchored
         types = {m.type for m in self.members}
         if len(types) == 1 and None not in types:
             self.type = types.pop()
@@ -567,6 +568,9 @@ class Model:
             return
         if loc.specific is not None:
             tried = [self.range_at(loc.specific)]
+            if tried[0] is None:  # what is empty may stand at the very end of a window, which is no address of the other
+                self.is_certain = False
+                return
             ok = self.insert(loc, tried[0])
         elif loc.ranges:
             ok = any(self.insert_by_name(loc, r) for r in tried)
