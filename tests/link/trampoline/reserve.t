@@ -70,3 +70,27 @@ a.o large.cmd gap.cmd -o out.elf --trampoline_min_spacing=0 --debug:xcall=1284 -
 --- sym
 $Tramp$TT$L$PI$$far 0x8101
 large 0x850d
+--- case a stub in a small hole lies where the dot was: an alignment counts from behind it
+--- dot.s
+    .syntax unified
+    .global start, far
+    .section .text.start, "ax"
+    .thumb_func
+start: bl far
+    .space 16
+    .section .low.table, "a"
+    .word 1
+    .section .high.far, "ax"
+    .thumb_func
+far: bx lr
+--- dot.cmd
+--entry_point=start --unused_section_elimination=off
+MEMORY { LOW : origin = 0x8000, length = 0x1000  HIGH : origin = 0x20000000, length = 0x1000 }
+SECTIONS { .low : { *(.text.start) . = ALIGN(64); *(.low.table) } > LOW   .high : { *(.high*) } > 0x20000000 }
+--- args
+dot.o dot.cmd -o out.elf --map_file=out.map
+--- text out.map has
+00008000 00000014 dot.o (.text.start)
+00008014 00000008 dot.o (.tramp.far.1)
+0000801c 00000024 --HOLE-- [fill = 0]
+00008040 00000004 dot.o (.low.table)

@@ -6,14 +6,18 @@
 // the final one of what was laid out beforehand) copies the relative addresses of the first.
 #include <algorithm>
 #include <bit>
+#include <utility>
 
 #include "DIAG/elnk_msgs.h"
 #include "DIAG/source_position.h"
 #include "ELFLNK/locator/locator.h"
 #include "ELFLNK/memmap/memory_range.h"
 #include "ELFLNK/object/collection.h"
+#include "ELFLNK/object/load_segment.h"
 #include "ELFLNK/object/space.h"
 #include "ELFLNK/placement/order/worklist.h"
+#include "ELFLNK/placement/placement.h"
+#include "ELFLNK/trampoline/trampoline.h"
 #include "UTIL/prefetch.h"
 
 namespace {
@@ -104,8 +108,9 @@ bool LOCATOR::lay_out_aside(LOCATOR* sub) {
 }
 
 bool LOCATOR::place_member(LOCATOR* sub, MEMORY_RANGE* trial, uint64_t& cursor) {
+    const bool is_dot = sub->object_->is_dot_expression();
     if (is_ordered()) sub->min_address_ = cursor;
-    if (sub->object_->is_dot_expression()) assign_to_dot(sub, cursor);
+    if (is_dot) assign_to_dot(sub, cursor);
     if (stands_aside(sub)) {
         if (trial->is_temp_layout()) return lay_out_aside(sub);
         uint64_t place = cursor;
@@ -115,20 +120,57 @@ bool LOCATOR::place_member(LOCATOR* sub, MEMORY_RANGE* trial, uint64_t& cursor) 
         return true;
     }
     if (!insert_with_retry(sub, trial)) return false;
+    // Where a trampoline lies, the dot counts from behind it, as long as that is not too far.
+    while (is_dot && is_ordered() && sub->address_ > cursor &&
+           sub->address_ <= cursor + sub->object_->size()) {
+        cursor = sub->address_;
+        sub->uncommit();
+        sub->min_address_ = cursor;
+        assign_to_dot(sub, cursor);
+        if (!insert_with_retry(sub, trial)) return false;
+    }
     cursor = sub->end_;
     return true;
 }
 
+namespace {
+
+bool holds_back_phase_2(const LINKER_OBJECT* object) {
+    return object->is_load_segment() && static_cast<const LOAD_SEGMENT*>(object)->holds_back_p2();
+}
+
+} // namespace
+
+/// The members that phase 2 places, once the others have their places: their sizes depend on them.
+bool LOCATOR::place_held_back(LOCATOR_LIST& held_back, MEMORY_RANGE* trial) {
+    if (held_back.empty()) return true;
+    if (!is_ordered()) sort_worklist(held_back, false);
+    generate_trampolines();
+    int& phase = placement_state().phase;
+    const int before = std::exchange(phase, static_cast<int>(PLACEMENT_PHASE_2));
+    const bool placed = std::all_of(held_back.begin(), held_back.end(), [trial](LOCATOR* sub) {
+        return sub->insert_into_range(trial);
+    });
+    phase = before;
+    return placed;
+}
+
 bool LOCATOR::place_members(MEMORY_RANGE* trial) {
     uint64_t cursor = trial->origin();
+    const bool holds_back = holds_back_phase_2(object_);
+    LOCATOR_LIST held_back;
     const LOCATOR_LIST& subs = sub_items();
     for (size_t i = 0; i < subs.size(); ++i) {
         // They stand in the order of their sizes, and anywhere in memory.
         if (i + 8 < subs.size()) prefetch(subs[i + 8]);
         if (i + 4 < subs.size()) prefetch(subs[i + 4]->object_);
-        if (!place_member(subs[i], trial, cursor)) return false;
+        if (holds_back && subs[i]->object_->has_attr(PA_P2_PLACEMENT))
+            held_back.push_back(subs[i]);
+        else if (!place_member(subs[i], trial, cursor))
+            return false;
     }
     consolidate_trampolines(trial, true);
+    if (!place_held_back(held_back, trial)) return false;
     if (!add_padding_to_subitems(trial)) return false;
     set_collection_endpoints();
     if (has_flag(LF_SPECIFIC_TRIED)) address_ = trial->origin();
@@ -250,6 +292,7 @@ void LOCATOR::pre_placement_layout() {
 
 /// The layout stays, the range in which it was found doesn't.
 void LOCATOR::set_pre_placed() {
+    leave_range_of_its_own();
     set_flag(LF_PRE_PLACED);
     clear_flag(LF_PLACED | LF_COMPLETE);
     range_ = nullptr;
