@@ -7,6 +7,7 @@
 #include "ELFLNK/build/build.h"
 #include "ELFLNK/build/build_state.h"
 #include "ELFLNK/object/load_segment.h"
+#include "ELFLNK/object/meta_objects.h"
 #include "ELFLNK/object/root_collection.h"
 #include "ELFLNK/target/abi.h"
 #include "ELFLNK/target/target.h"
@@ -75,6 +76,9 @@ void attach(ELF_SEGMENT* header, LINKER_OBJECT* object) {
     } else if (object->is_load_segment()) {
         if (ELF_SEGMENT* inner = static_cast<LOAD_SEGMENT*>(object)->elf_segment())
             header->add_seg_object(SEG_OBJECT_SEGMENT, inner->id());
+    } else if (object->is_elf_phdr_segment()) {
+        header->add_seg_object(SEG_OBJECT_SEGMENT,
+                               static_cast<ELF_PHDR_SEGMENT*>(object)->elf_segment()->id());
     } else if (OF_SECTION* section = object->output_OF_SECTION()) {
         header->add_seg_object(SEG_OBJECT_SECTION, section->id());
     } else if (COLLECTION* collection = as_collection(object)) {

@@ -158,8 +158,8 @@ class LINKER_OBJECT {
     LINKER_OBJECT* outsect_object() const;
     /// Output section of outsect_object(), or null.
     OFE::OF_SECTION* output_OF_SECTION() const;
-    /// An object without members of its own that takes part in build and write.
-    bool is_leaf() const { return !is_collection(); }
+    /// An object that takes part in build and write by itself, not through its members.
+    bool is_leaf() const { return !is_collection() || is_meta_segment(); }
 
     // ---- fill, assignments, pads -----------------------------------------------------------
     FILL_SPEC* fill() const { return fill_; }

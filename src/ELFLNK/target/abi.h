@@ -296,6 +296,14 @@ class ABI {
     virtual bool gabi_segment_mode() const {
         return false;
     }
+    /// True if the tables of dynamic linking lie in the program's memory, and their alignment
+    /// there.
+    virtual bool need_loadable_metadata() const {
+        return false;
+    }
+    virtual unsigned metadata_alignment() const {
+        return 0;
+    }
     virtual uint64_t max_page_size() const {
         return 0;
     }

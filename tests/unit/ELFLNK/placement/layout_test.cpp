@@ -1,6 +1,7 @@
 // Collections: order, overlay, padding of the end, second placements, split.
 #include <algorithm>
 
+#include "ELFLNK/object/load_segment.h"
 #include "placement_fixture.h"
 
 using LAYOUT_TEST = PLACEMENT_TEST;
@@ -140,6 +141,52 @@ TEST_F(LAYOUT_TEST, what_is_left_of_a_split_becomes_virtual_and_the_rest_stays) 
     EXPECT_EQ(run_addresses(group), (ADDRESSES{0x100, 0, 0x118}));
     EXPECT_TRUE(group->members().front()->run_locator()->range()->parent() == nullptr);
     EXPECT_FALSE(group->members().front()->run_locator()->placement_failed());
+}
+
+namespace {
+
+/// A table whose size is known once everything else has its place.
+class LATE : public SIZED {
+  public:
+    LATE(const char* name, uint64_t last_size) : SIZED(name, 0x40, 4), last_size_(last_size) {
+        set_attr(PA_P2_PLACEMENT);
+    }
+    void update_before_placement(PLACEMENT_PHASE phase) override {
+        if (phase == PLACEMENT_PHASE_2) set_size(last_size_);
+    }
+
+  private:
+    uint64_t last_size_;
+};
+
+} // namespace
+
+TEST_F(LAYOUT_TEST, a_load_segment_holds_back_what_phase_2_places) {
+    const struct {
+        bool holds_back;
+        uint64_t last_size, room;
+        bool placed;
+        ADDRESSES addresses; // of the table and of two sections
+    } cases[] = {{false, 8, 0x80, true, {0x100, 0x140, 0x150}},
+                 {true, 8, 0x80, true, {0x118, 0x100, 0x110}},
+                 {true, 0x60, 0x80, true, {0x118, 0x100, 0x110}},
+                 {true, 0x80, 0x80, false, {}}};
+    for (const auto& c : cases) {
+        MEMORY_RANGE range("RAM", 0x100, c.room, MEMORY_RANGE::ATTR_ALL);
+        auto* segment = new LOAD_SEGMENT("ER_RO");
+        segment->set_attr(PA_ALLOCATED);
+        segment->set_holds_back_p2(c.holds_back);
+        // Once it has its place, a segment keeps output sections only.
+        LINKER_OBJECT* const members[] = {new LATE("table", c.last_size), new SIZED("a", 0x10, 4),
+                                          new SIZED("b", 8, 4)};
+        for (LINKER_OBJECT* member : members) segment->COLLECTION::add_member(member);
+        EXPECT_EQ(locate(segment)->insert_into_range(&range), c.placed);
+        EXPECT_EQ(placement_state().phase, PLACEMENT_PHASE_1);
+        ADDRESSES addresses;
+        for (const LINKER_OBJECT* member : members)
+            if (c.placed) addresses.push_back(member->run_address());
+        EXPECT_EQ(addresses, c.addresses);
+    }
 }
 
 TEST_F(LAYOUT_TEST, a_hundred_thousand_members_do_not_take_quadratic_time) {
