@@ -32,7 +32,7 @@ data:
     .word _start
 """
 SIZE = 0x1000000
-MOMENTS = {signal.SIGKILL: 200}  # how often a signal is sent, or:
+MOMENTS = {signal.SIGKILL: 260}  # how often a signal is sent, some of them too late, or:
 OTHER_MOMENTS = 24
 # A signal, and whether the linker gets to tidy up.
 SIGNALS = {signal.SIGTERM: True, signal.SIGINT: True, signal.SIGHUP: True, signal.SIGQUIT: True, signal.SIGKILL: False}
@@ -126,10 +126,17 @@ def undisturbed(opts, mode):
 def check_signals(opts, mode, whole, writing, duration):
     for sig in SIGNALS:
         moments = MOMENTS.get(sig, OTHER_MOMENTS)
-        # One in four comes before there is anything to write.
-        times = [writing * (4 * i + 2) / moments if i % 4 == 0 else writing + (duration - writing) * (i + 0.5) / moments
-                 for i in range(moments)]
-        in_time = sum(check_signal(opts, mode, sig, at, whole, b"old" * (i % 2)) for i, at in enumerate(times))
+        in_time, pace = 0, 1.0  # how fast links go now, to the undisturbed one: others may have used the machine then
+        for i in range(moments):
+            # One in four comes before there is anything to write.
+            part = (i + 0.5) / moments
+            at = writing * part if i % 4 == 0 else writing + (duration - writing) * part
+            if check_signal(opts, mode, sig, at * pace, whole, b"old" * (i % 2)):
+                in_time += 1
+                pace *= 1.03
+            else:
+                pace *= 0.9
+        shutil.rmtree(opts.work / "signal")
         if in_time < moments // 4:
             raise Failed(f"{signal.Signals(sig).name}, {mode}: {in_time} of {moments} signals came before the link had ended")
         print(f"{signal.Signals(sig).name}, {mode}: {in_time} of {moments} in time")
@@ -154,7 +161,8 @@ def main():
         opts.arguments = ["big.o", "--entry_point=_start", "--unused_section_elimination=off"]
     failures = 0
     for mode in MODES:
-        whole, writing, duration = undisturbed(opts, mode)
+        # Others may be at work on the machine: the quickest of some.
+        whole, writing, duration = min((undisturbed(opts, mode) for _ in range(5)), key=lambda link: link[2])
         print(f"{mode}: {len(whole)} bytes, written from {writing:.3f} to {duration:.3f} s")
         for check, times in (check_limit, ()), (check_full_disk, ()), (check_signals, (writing, duration)):
             try:
