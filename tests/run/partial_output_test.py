@@ -87,16 +87,19 @@ def check_full_disk(opts, mode, whole):
         raise Failed(f"full disk, {mode}: the link left {done.stdout.decode()}")
 
 
-def check_signal(opts, mode, sig, delay, whole, old):
-    """Returns whether the signal came in time. `old`: what stands under the output's name, if anything."""
+def check_signal(opts, mode, sig, delay, writes, whole, old):
+    """Returns whether the signal came in time. The delay, in seconds, counts from the moment when the link begins to write
+    its output, or else from its start; `old`: what stands under the output's name, if anything."""
     linker = Linker(opts, "signal", mode)
     if old:
         linker.out.write_bytes(old)
     process = linker.start()
+    while writes and process.poll() is None and linker.left() in ([], ["out.elf"]):
+        time.sleep(0.0005)
     time.sleep(delay)
     process.send_signal(sig)
     process.communicate(timeout=120)
-    what = f"{signal.Signals(sig).name} after {delay * 1000:.1f} ms, {mode}"
+    what = f"{signal.Signals(sig).name} {delay * 1000:.1f} ms after its {'output' if writes else 'link'} began, {mode}"
     left = linker.left()
     if "out.elf" in left and linker.out.read_bytes() not in (whole, old or whole):
         raise Failed(f"{what}: out.elf is neither the whole file nor the old one")
@@ -129,9 +132,9 @@ def check_signals(opts, mode, whole, writing, duration):
         in_time, pace = 0, 1.0  # how fast links go now, to the undisturbed one: others may have used the machine then
         for i in range(moments):
             # One in four comes before there is anything to write.
-            part = (i + 0.5) / moments
-            at = writing * part if i % 4 == 0 else writing + (duration - writing) * part
-            if check_signal(opts, mode, sig, at * pace, whole, b"old" * (i % 2)):
+            writes = i % 4 != 0
+            at = (duration - writing if writes else writing) * (i + 0.5) / moments
+            if check_signal(opts, mode, sig, at * pace, writes, whole, b"old" * (i % 2)):
                 in_time += 1
                 pace *= 1.03
             else:
