@@ -51,7 +51,7 @@ const char* crash_reason(int sig) {
 
 void install_common_handlers(void (*handler)(int), void (*callback)(int)) {
     crash_callback = callback;
-    // A stack that has come to its end has no room for a handler.
+    // A stack that has come to its end has no room for a handler, and such an end is a bad access.
     constexpr size_t STACK_SIZE = 64 * 1024;
     alignas(std::max_align_t) static char stack[STACK_SIZE];
     stack_t other = {};
@@ -60,9 +60,11 @@ void install_common_handlers(void (*handler)(int), void (*callback)(int)) {
     sigaltstack(&other, nullptr);
     struct sigaction action = {};
     action.sa_handler = handler;
-    action.sa_flags = SA_ONSTACK | SA_RESTART;
     sigemptyset(&action.sa_mask);
-    for (const int sig : handled_signals) sigaction(sig, &action, nullptr);
+    for (const int sig : handled_signals) {
+        action.sa_flags = SA_RESTART | (sig == SIGSEGV || sig == SIGBUS ? SA_ONSTACK : 0);
+        sigaction(sig, &action, nullptr);
+    }
 }
 
 void signal_handler(int sig) {
