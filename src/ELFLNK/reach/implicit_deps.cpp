@@ -10,6 +10,8 @@
 #include "OBJEDIT04/elf/elf_types.h"
 #include "OBJEDIT04/ofe/object_file.h"
 #include "OBJEDIT04/ofe/of_symbol.h"
+#include "OBJEDIT04/ofe/of_symbol_table.h"
+#include "UTIL/narrow.h"
 #include "UTIL/trace.h"
 
 using OFE::OF_RAW_RELOC;
@@ -25,29 +27,29 @@ bool is_debug_index(const char* name) {
 
 } // namespace
 
-void IMPLICIT_DEP_TABLE::add_dependent(KEY key, KEY dependent) {
-    // Neighbouring relocations mostly lead to one section.
-    if (!deps_.empty() && deps_.back().key == key && deps_.back().dependent == dependent) return;
-    deps_.push_back({key, dependent});
+void SECTION_LISTS::add(KEY key, KEY item) {
+    const auto file = static_cast<size_t>(key >> 32), id = static_cast<size_t>(key & 0xFFFFFFFF);
+    if (file >= last_.size()) last_.resize(file + 1);
+    if (id >= last_[file].size()) last_[file].resize(id + 1, NO_LINK);
+    uint32_t& last = last_[file][id];
+    if (last != NO_LINK && links_[last].item == item) return;
+    const auto link = narrow<uint32_t>(links_.size());
+    links_.push_back({item, last == NO_LINK ? link : links_[last].next});
+    if (last != NO_LINK) links_[last].next = link;
+    last = link;
 }
 
-void IMPLICIT_DEP_TABLE::finish() {
-    std::sort(deps_.begin(), deps_.end());
-    deps_.erase(std::unique(deps_.begin(), deps_.end()), deps_.end());
-}
-
-std::pair<const IMPLICIT_DEP_TABLE::DEP*, const IMPLICIT_DEP_TABLE::DEP*>
-IMPLICIT_DEP_TABLE::dependents(KEY key) const {
-    const auto [from, to] =
-        std::equal_range(deps_.begin(), deps_.end(), DEP{key, 0},
-                         [](const DEP& a, const DEP& b) { return a.key < b.key; });
-    return {deps_.data() + (from - deps_.begin()), deps_.data() + (to - deps_.begin())};
-}
-
+// In the order of file and section ids, which is that of the dependents of a section.
 void REGISTRAR::find_implicit_deps() {
     trace_load.printf("\nFINDING IMPLICIT DEPENDENCES:\n");
+    std::vector<FILE_STATE*> files = order_;
+    std::sort(files.begin(), files.end(), [](const FILE_STATE* a, const FILE_STATE* b) {
+        return a->object->file_id() < b->object->file_id();
+    });
     OF_RAW_SECTION section;
-    for (FILE_STATE* file : order_) {
+    for (FILE_STATE* file : files) {
+        if (!has_retainrefs_ && !file->has_debug_data) continue;
+        met_by_.assign(file->symbols ? file->symbols->first_global() : 0, 0);
         for (unsigned id = 1; id < file->bits.size(); ++id) {
             // A root needs no tie.
             if (file->bits[id] & (REQUIRED | ABSENT)) continue;
@@ -57,33 +59,54 @@ void REGISTRAR::find_implicit_deps() {
             if (has_retainrefs_) add_metadata_deps(*file, section);
         }
     }
-    section_deps_.finish();
-    symbol_deps_.finish();
 }
 
+// The relocations of debug data are many and lead to few symbols: a local one is looked at once a
+// section. What walk_section will have to follow is listed along the way.
 void REGISTRAR::add_debug_deps(FILE_STATE& file, const OF_RAW_SECTION& section) {
     const KEY holder = key_of(file, section.id);
     const bool is_index = is_debug_index(section.name);
-    OF_RAW_SECTION other;
+    bool is_listed = !records_references_ && !relocs_stay_;
     for_each_symbol_reloc(file, section.id, [&](const OF_RAW_RELOC& reloc) {
-        const TARGET_REF target = target_of(file, reloc.sym_id);
-        if (!target.file) return;
-        if (!target.has_section()) {
-            if (target.sym && (target.kind == OFE::OF_SYM_KIND_COMMON ||
-                               target.kind == OFE::OF_SYM_KIND_ABSOLUTE))
-                symbol_deps_.add_dependent(key_of(target.sym), holder);
-            return;
+        if (reloc.sym_id < met_by_.size()) {
+            if (met_by_[reloc.sym_id] == section.id) return;
+            met_by_[reloc.sym_id] = section.id;
         }
-        if (target.is_absent()) return;
-        if (target.file->bits[target.section_id] & DEBUG_DATA) {
-            // An index section is kept with the unit that it indexes; other ties among debug
-            // sections don't count here.
-            if (!is_index || !target.file->sections->raw_section(target.section_id, other) ||
-                std::strncmp(other.name, ".debug_info", 11) != 0)
-                return;
-        }
-        section_deps_.add_dependent(key_of(*target.file, target.section_id), holder);
+        TARGET_REF target;
+        target.section_id = local_section(file, reloc.sym_id);
+        const bool is_local = target.has_section();
+        if (is_local)
+            target.file = &file;
+        else
+            target = target_of(file, reloc.sym_id);
+        add_debug_dep(target, holder, is_index);
+        if (!debug_keeps(target)) return;
+        if (is_local && !(file.bits[target.section_id] & OMDATA))
+            debug_refs_.add(holder, key_of(file, target.section_id));
+        else
+            is_listed = false;
     });
+    if (is_listed) file.bits[section.id] |= REFS_LISTED;
+}
+
+void REGISTRAR::add_debug_dep(const TARGET_REF& target, KEY holder, bool is_index) {
+    if (!target.file) return;
+    if (!target.has_section()) {
+        if (target.sym &&
+            (target.kind == OFE::OF_SYM_KIND_COMMON || target.kind == OFE::OF_SYM_KIND_ABSOLUTE))
+            symbol_deps_.add(key_of(target.sym), holder);
+        return;
+    }
+    if (target.is_absent()) return;
+    if (target.file->bits[target.section_id] & DEBUG_DATA) {
+        // An index section is kept with the unit that it indexes; other ties among debug sections
+        // don't count here.
+        OF_RAW_SECTION other;
+        if (!is_index || !target.file->sections->raw_section(target.section_id, other) ||
+            std::strncmp(other.name, ".debug_info", 11) != 0)
+            return;
+    }
+    section_deps_.add(key_of(*target.file, target.section_id), holder);
 }
 
 // A section with the extended flag RETAINREFS pulls in everything that refers to it.
@@ -96,7 +119,6 @@ void REGISTRAR::add_metadata_deps(FILE_STATE& file, const OF_RAW_SECTION& sectio
         if (target.file->object->format() != OFE::OF_FORMAT_ELF) return;
         if (!target.file->sections->raw_section(target.section_id, other)) return;
         if (other.ext_flags & OFE::QV_SHF_RETAINREFS)
-            section_deps_.add_dependent(key_of(*target.file, target.section_id),
-                                        key_of(file, section.id));
+            section_deps_.add(key_of(*target.file, target.section_id), key_of(file, section.id));
     });
 }

@@ -106,10 +106,30 @@ const REGISTRAR::TARGET_REF& REGISTRAR::local_target_of(FILE_STATE& file, unsign
     return scratch_;
 }
 
+// The section that a local symbol leads to in its own file, or NO_SECTION.
+unsigned REGISTRAR::local_section(FILE_STATE& file, unsigned sym_id) {
+    if (file.local_sections.empty()) file.local_sections.resize(file.symbols->first_global());
+    if (sym_id >= file.local_sections.size()) return OF_RAW_SYMBOL::NO_SECTION;
+    unsigned& section_id = file.local_sections[sym_id];
+    if (section_id == 0) { // not looked at so far
+        const TARGET_REF& target = local_target_of(file, sym_id);
+        section_id = target.file == &file && target.has_section() ? target.section_id
+                                                                  : OF_RAW_SYMBOL::NO_SECTION;
+    }
+    return section_id;
+}
+
+// A debug reference keeps no program data, no common block and nothing that was discarded.
+bool REGISTRAR::debug_keeps(const TARGET_REF& target) {
+    if (!target.file) return false;
+    if (!target.has_section()) return target.kind != OFE::OF_SYM_KIND_COMMON;
+    return !(target.file->bits[target.section_id] & (PROGDATA | ABSENT));
+}
+
 // Most relocations lead to a section that is registered already, or lead from debug data to program
 // data that nothing else wants, and need no more than this.
 bool REGISTRAR::changes_nothing(FILE_STATE& file, unsigned sym_id, bool is_debug) {
-    const auto look_at = [](uint8_t bits) -> uint8_t {
+    const auto look_at = [](uint16_t bits) -> uint8_t {
         if ((bits & (REGISTERED | OMDATA)) == REGISTERED) return LEADS_TO_REGISTERED;
         return bits & (PROGDATA | ABSENT) ? NOT_KEPT_BY_DEBUG : 0;
     };
@@ -123,14 +143,7 @@ bool REGISTRAR::changes_nothing(FILE_STATE& file, unsigned sym_id, bool is_debug
             bits |= look_at(known.file->bits[known.section_id]);
         return bits & enough;
     }
-    if (file.local_sections.empty()) file.local_sections.resize(file.symbols->first_global());
-    if (sym_id >= file.local_sections.size()) return false;
-    unsigned& section_id = file.local_sections[sym_id];
-    if (section_id == 0) { // not looked at so far
-        const TARGET_REF& target = local_target_of(file, sym_id);
-        section_id = target.file == &file && target.has_section() ? target.section_id
-                                                                  : OF_RAW_SYMBOL::NO_SECTION;
-    }
+    const unsigned section_id = local_section(file, sym_id);
     return section_id != OF_RAW_SYMBOL::NO_SECTION && look_at(file.bits[section_id]) & enough;
 }
 
@@ -154,25 +167,37 @@ void REGISTRAR::register_referenced_objects() {
 
 void REGISTRAR::walk_section(const WORK& work) {
     if (has_specializations_) register_variants(work);
+    if (work.file->bits[work.section_id] & REFS_LISTED)
+        register_debug_refs(work);
+    else
+        walk_relocs(work);
+    if (abi_->wants_reloc_attr()) process_reloc_attrs(work);
+}
+
+void REGISTRAR::register_debug_refs(const WORK& work) {
+    debug_refs_.for_each(key_of(*work.file, work.section_id), [this](KEY key) {
+        const WORK to = work_of(key);
+        TARGET_REF target;
+        target.file = to.file;
+        target.section_id = to.section_id;
+        register_target({}, target);
+    });
+}
+
+void REGISTRAR::walk_relocs(const WORK& work) {
     const bool is_debug = work.file->bits[work.section_id] & (DEBUG_DATA | DEBUG_LIKE);
     for_each_symbol_reloc(*work.file, work.section_id, [&](const OF_RAW_RELOC& reloc) {
         if (relocs_stay_) make_symbol(*work.file, reloc.sym_id);
         if (records_references_ || !changes_nothing(*work.file, reloc.sym_id, is_debug))
             register_a_reference(work, is_debug, reloc);
     });
-    if (abi_->wants_reloc_attr()) process_reloc_attrs(work);
 }
 
 void REGISTRAR::register_a_reference(const WORK& from, bool is_debug, const OF_RAW_RELOC& reloc) {
     FILE_STATE& file = *from.file;
     const TARGET_REF target = target_of(file, reloc.sym_id);
     if (!target.file) return;
-    if (is_debug) {
-        // A debug reference keeps no program data, no common block and nothing that was discarded.
-        if (target.has_section() && (target.file->bits[target.section_id] & (PROGDATA | ABSENT)))
-            return;
-        if (!target.has_section() && target.kind == OFE::OF_SYM_KIND_COMMON) return;
-    }
+    if (is_debug && !debug_keeps(target)) return;
     report_mapped_symbol(file, reloc.sym_id);
     if (target.is_absent()) {
         report_discarded(from, reloc, target);
@@ -286,18 +311,17 @@ void REGISTRAR::register_section(const REFERRER& from, FILE_STATE& file, unsigne
 // members of its group; the stack keeps the order of a walk in depth.
 void REGISTRAR::register_any_section(const REFERRER& first_from, FILE_STATE& first_file,
                                      unsigned first_id) {
-    std::vector<WORK> stack{{&first_file, first_id}};
-    std::vector<LINKER_OBJECT*> referrers; // beside the stack, but for its first entry
-    while (!stack.empty()) {
-        const WORK next = stack.back();
-        stack.pop_back();
+    stack_.push_back({&first_file, first_id});
+    while (!stack_.empty()) {
+        const WORK next = stack_.back();
+        stack_.pop_back();
         REFERRER from = first_from;
-        if (!referrers.empty()) {
-            from = {referrers.back()};
-            referrers.pop_back();
+        if (!referrers_.empty()) {
+            from = {referrers_.back()};
+            referrers_.pop_back();
         }
         FILE_STATE& file = *next.file;
-        uint8_t& bits = file.bits[next.section_id];
+        uint16_t& bits = file.bits[next.section_id];
         if (bits & ABSENT) continue;
         if (bits & REGISTERED) {
             record(from, object_of(file, next.section_id));
@@ -310,19 +334,16 @@ void REGISTRAR::register_any_section(const REFERRER& first_from, FILE_STATE& fir
         record(from, object);
         work_.push_back(next);
 
-        const size_t bottom = stack.size();
-        const auto [first, last] = section_deps_.dependents(key_of(file, next.section_id));
-        for (const IMPLICIT_DEP_TABLE::DEP* dep = first; dep != last; ++dep)
-            stack.push_back(
-                {files_[dep->dependent >> 32].get(), static_cast<unsigned>(dep->dependent)});
-        push_group_members(file, next.section_id, stack);
-        std::reverse(stack.begin() + static_cast<std::ptrdiff_t>(bottom), stack.end());
-        referrers.resize(stack.size(), object);
+        const size_t bottom = stack_.size();
+        section_deps_.for_each(key_of(file, next.section_id),
+                               [this](KEY dependent) { stack_.push_back(work_of(dependent)); });
+        push_group_members(file, next.section_id);
+        std::reverse(stack_.begin() + static_cast<std::ptrdiff_t>(bottom), stack_.end());
+        referrers_.resize(stack_.size(), object);
     }
 }
 
-void REGISTRAR::push_group_members(FILE_STATE& file, unsigned section_id,
-                                   std::vector<WORK>& stack) {
+void REGISTRAR::push_group_members(FILE_STATE& file, unsigned section_id) {
     OFE::OF_GROUP_TABLE* group = file.sections->raw_group(section_id);
     if (!group) return;
     OF_RAW_SECTION member;
@@ -332,7 +353,7 @@ void REGISTRAR::push_group_members(FILE_STATE& file, unsigned section_id,
             !file.sections->raw_section(id, member))
             continue;
         if (member.type != OFE::SHT_RELA && member.type != OFE::SHT_REL)
-            stack.push_back({&file, id});
+            stack_.push_back({&file, id});
     }
 }
 
@@ -350,10 +371,10 @@ void REGISTRAR::register_symbol_object(const REFERRER& from, OF_SYMBOL* sym,
         object = new COMMON_BLOCK(sym);
     record(from, object);
     const REFERRER keeper{object};
-    const auto [first, last] = symbol_deps_.dependents(key_of(sym));
-    for (const IMPLICIT_DEP_TABLE::DEP* dep = first; dep != last; ++dep)
-        register_any_section(keeper, *files_[dep->dependent >> 32],
-                             static_cast<unsigned>(dep->dependent));
+    symbol_deps_.for_each(key_of(sym), [&](KEY dependent) {
+        const WORK kept = work_of(dependent);
+        register_any_section(keeper, *kept.file, kept.section_id);
+    });
 }
 
 // Sections tied to another by their link field. An exception index section is kept with the code

@@ -26,25 +26,42 @@ class OF_SYMBOL;
 class OF_SYMBOL_TABLE;
 } // namespace OFE
 
-/// Section to the sections that are kept with it: a dependence runs the other way from a
-/// relocation. Pairs are collected, then sorted once; the dependents of a key come in the order of
-/// files and sections.
-class IMPLICIT_DEP_TABLE {
+/// Lists of sections by section (or by symbol), in the order in which they were filled: what is
+/// kept with a section, and what a section of debug data refers to.
+class SECTION_LISTS {
   public:
-    using KEY = uint64_t;
-    struct DEP {
-        KEY key;
-        KEY dependent;
-        auto operator<=>(const DEP&) const = default;
-    };
-    void add_dependent(KEY key, KEY dependent);
-    void finish();
-    /// The dependents of a key, as a range of DEP.
-    std::pair<const DEP*, const DEP*> dependents(KEY key) const;
+    using KEY = uint64_t; ///< file id, then section or symbol id
+    /// Adds to the list of the key; not what its last item is already.
+    void add(KEY key, KEY item);
+    template <class VISIT>
+    void for_each(KEY key, VISIT visit) const;
 
   private:
-    std::vector<DEP> deps_;
+    struct LINK {
+        KEY item;
+        uint32_t next; // in a ring, so that the last one leads to the first
+    };
+    static constexpr uint32_t NO_LINK = 0; // links_[0] is no link
+    uint32_t last_of(KEY key) const;
+
+    std::vector<std::vector<uint32_t>> last_; // by file id and section id: the last link
+    std::vector<LINK> links_{{}};
 };
+
+inline uint32_t SECTION_LISTS::last_of(KEY key) const {
+    const auto file = static_cast<size_t>(key >> 32), id = static_cast<size_t>(key & 0xFFFFFFFF);
+    return file < last_.size() && id < last_[file].size() ? last_[file][id] : NO_LINK;
+}
+
+template <class VISIT>
+void SECTION_LISTS::for_each(KEY key, VISIT visit) const {
+    const uint32_t last = last_of(key);
+    if (last == NO_LINK) return;
+    for (uint32_t at = links_[last].next;; at = links_[at].next) {
+        visit(links_[at].item);
+        if (at == last) return;
+    }
+}
 
 class REGISTRAR {
   public:
@@ -57,7 +74,7 @@ class REGISTRAR {
     void register_objects();
 
   private:
-    enum SECTION_BITS : uint8_t {
+    enum SECTION_BITS : uint16_t {
         REGISTERED = 1,
         REQUIRED = 2,
         PROGDATA = 4,
@@ -65,7 +82,8 @@ class REGISTRAR {
         ABSENT = 16,    ///< deleted, or unreadable
         OMDATA = 32,
         LINK_ORDER = 64,
-        DEBUG_LIKE = 128 ///< not debug data by name, but keeps no program data either
+        DEBUG_LIKE = 128, ///< not debug data by name, but keeps no program data either
+        REFS_LISTED = 256 ///< debug data whose references are all in debug_refs_, or keep nothing
     };
     /// What the references to a name have come to: the same answer needs no second look.
     enum NAME_BITS : uint8_t { LEADS_TO_REGISTERED = 1, NOT_KEPT_BY_DEBUG = 2 };
@@ -78,7 +96,8 @@ class REGISTRAR {
         const bool* takes_symbol = nullptr; ///< by machine relocation number, 256 of them
         bool is_linked = false;             ///< a static linking object
         bool is_executable = false;
-        std::vector<uint8_t> bits; ///< SECTION_BITS by section id
+        bool has_debug_data = false;
+        std::vector<uint16_t> bits; ///< SECTION_BITS by section id
         std::vector<unsigned>
             local_sections; ///< by local symbol: its section, 0 where not known yet
     };
@@ -103,7 +122,7 @@ class REGISTRAR {
         unsigned offset = 0;
         const OFE::OF_SYMBOL* root_symbol = nullptr; ///< of a reference from the root
     };
-    using KEY = IMPLICIT_DEP_TABLE::KEY;
+    using KEY = SECTION_LISTS::KEY;
 
     // Files and sections.
     void prepare_files();
@@ -112,9 +131,10 @@ class REGISTRAR {
     const bool* relocs_that_take_symbols(OFE::OBJECT_FILE* object);
     static KEY key_of(const FILE_STATE& file, unsigned section_id);
     static KEY key_of(const OFE::OF_SYMBOL* sym);
+    WORK work_of(KEY key) const { return {files_[key >> 32].get(), static_cast<unsigned>(key)}; }
 
     // Roots.
-    bool section_is_required(FILE_STATE& file, const OFE::OF_RAW_SECTION& section, uint8_t bits);
+    bool section_is_required(FILE_STATE& file, const OFE::OF_RAW_SECTION& section, uint16_t bits);
     bool progdata_section_immune_to_retain(const FILE_STATE& file,
                                            const OFE::OF_RAW_SECTION& section) const;
     bool metadata_retains_section(const FILE_STATE& file, const OFE::OF_RAW_SECTION& section) const;
@@ -124,6 +144,7 @@ class REGISTRAR {
     // Implicit dependences.
     void find_implicit_deps();
     void add_debug_deps(FILE_STATE& file, const OFE::OF_RAW_SECTION& section);
+    void add_debug_dep(const TARGET_REF& target, KEY holder, bool is_index);
     void add_metadata_deps(FILE_STATE& file, const OFE::OF_RAW_SECTION& section);
 
     // Relocations.
@@ -131,17 +152,21 @@ class REGISTRAR {
     void for_each_symbol_reloc(FILE_STATE& file, unsigned section_id, VISIT visit);
     const TARGET_REF& target_of(FILE_STATE& file, unsigned sym_id);
     const TARGET_REF& local_target_of(FILE_STATE& file, unsigned sym_id);
+    unsigned local_section(FILE_STATE& file, unsigned sym_id);
     bool changes_nothing(FILE_STATE& file, unsigned sym_id, bool is_debug);
     TARGET_REF target_of_symbol(OFE::OF_SYMBOL* sym);
+    static bool debug_keeps(const TARGET_REF& target);
 
     // The closure.
     void register_referenced_objects();
     void walk_section(const WORK& work);
+    void walk_relocs(const WORK& work);
+    void register_debug_refs(const WORK& work);
     void register_a_reference(const WORK& from, bool is_debug, const OFE::OF_RAW_RELOC& reloc);
     void register_target(const REFERRER& from, const TARGET_REF& target);
     void register_section(const REFERRER& from, FILE_STATE& file, unsigned section_id);
     void register_any_section(const REFERRER& from, FILE_STATE& file, unsigned section_id);
-    void push_group_members(FILE_STATE& file, unsigned section_id, std::vector<WORK>& stack);
+    void push_group_members(FILE_STATE& file, unsigned section_id);
     void register_symbol_object(const REFERRER& from, OFE::OF_SYMBOL* sym, OFE::OF_SYM_KIND kind);
     void register_variants(const WORK& work);
     void process_reloc_attrs(const WORK& work);
@@ -167,12 +192,16 @@ class REGISTRAR {
     std::vector<std::unique_ptr<FILE_STATE>> files_; ///< by file id
     std::vector<FILE_STATE*> order_;                 ///< in the file manager's order
     std::vector<std::pair<const void*, std::unique_ptr<bool[]>>> reloc_kinds_; ///< per type set
-    std::vector<TARGET_REF> name_targets_; ///< by name id, where known
-    std::vector<uint8_t> name_bits_;       ///< NAME_BITS by name id
-    TARGET_REF scratch_;                   ///< the last answer that isn't kept
-    std::vector<WORK> work_;               ///< in the order of registration
-    size_t next_work_ = 0;                 ///< the first that was not walked
+    std::vector<TARGET_REF> name_targets_;  ///< by name id, where known
+    std::vector<uint8_t> name_bits_;        ///< NAME_BITS by name id
+    TARGET_REF scratch_;                    ///< the last answer that isn't kept
+    std::vector<unsigned> met_by_;          ///< by local symbol: the last that referred to it
+    std::vector<WORK> stack_;               ///< of register_any_section
+    std::vector<LINKER_OBJECT*> referrers_; ///< beside the stack, but for its first entry
+    std::vector<WORK> work_;                ///< in the order of registration
+    size_t next_work_ = 0;                  ///< the first that was not walked
     std::unordered_set<const OFE::OF_SYMBOL*> symbol_objects_;
-    IMPLICIT_DEP_TABLE section_deps_;
-    IMPLICIT_DEP_TABLE symbol_deps_; ///< by file and symbol id
+    SECTION_LISTS section_deps_; ///< section to the sections that are kept with it
+    SECTION_LISTS symbol_deps_;  ///< symbol to the sections that are kept with it
+    SECTION_LISTS debug_refs_;   ///< debug data to the other sections that it keeps
 };

@@ -82,7 +82,7 @@ void REGISTRAR::classify_sections(FILE_STATE& file) {
             file.bits[id] = ABSENT;
             continue;
         }
-        uint8_t bits = 0;
+        uint16_t bits = 0;
         if (std::strncmp(section.name, ".debug", 6) == 0) bits |= DEBUG_DATA;
         if (std::strcmp(section.name, "$BRID") == 0) bits |= DEBUG_LIKE;
         if (abi_->section_is_omdata(section, file.object))
@@ -92,13 +92,15 @@ void REGISTRAR::classify_sections(FILE_STATE& file) {
         if (section.flags & OFE::SHF_LINK_ORDER) bits |= LINK_ORDER;
         if (section.ext_flags & OFE::QV_SHF_RETAINREFS) has_retainrefs_ = true;
         if (section_is_required(file, section, bits)) bits |= REQUIRED;
+        file.has_debug_data |= (bits & DEBUG_DATA) != 0;
         file.bits[id] = bits;
     }
 }
 
 // ---- roots
 
-bool REGISTRAR::section_is_required(FILE_STATE& file, const OF_RAW_SECTION& section, uint8_t bits) {
+bool REGISTRAR::section_is_required(FILE_STATE& file, const OF_RAW_SECTION& section,
+                                    uint16_t bits) {
     if (abi_->is_linker_generated_section(SECTION::orig_section_name(section.name))) return true;
     if (!file.file) {
         DIAG_REPORT(gen_null_pointer, "objfile");
