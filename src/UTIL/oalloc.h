@@ -2,7 +2,7 @@
 //
 // A class derives from OALLOC<itself> and so gets operator new and delete over a free list of its
 // own: no heap overhead per object. The pool grows by about doubling, from 32 objects up to chunks
-// of 16 MiB; chunks are never given back.
+// of 16 MiB; a chunk is touched as far as it is given out, and never given back.
 #pragma once
 
 #include <cstddef>
@@ -10,6 +10,7 @@
 #include <new>
 #include <string>
 #include <typeinfo>
+#include <utility>
 
 /// Zeroed memory for a pool; ends the process with a message if there is none.
 void* ralloc(size_t size);
@@ -49,7 +50,9 @@ class OALLOC {
 
     static inline bool oa_disabled_m = false;
     static inline bool oa_stats_m = false;
-    static inline FREE* oa_free_list_m = nullptr;
+    static inline FREE* oa_free_list_m = nullptr;  // deleted objects
+    static inline std::byte* oa_fresh_m = nullptr; // the rest of the last chunk
+    static inline std::byte* oa_fresh_end_m = nullptr;
     static inline long total_alloc_cnt_m = 0;
     static inline long curr_alloc_cnt_m = 0;
     static inline size_t mempool_sz_m = 0;
@@ -68,10 +71,9 @@ void OALLOC<T>::add_chunk() {
     size_t count = static_cast<size_t>(curr_alloc_cnt_m);
     if (mempool_sz_m >= BIG_CHUNK) count = BIG_CHUNK / sizeof(T);
     if (count < MIN_OBJECTS) count = MIN_OBJECTS;
-    auto* chunk = static_cast<std::byte*>(ralloc(count * sizeof(T)));
+    oa_fresh_m = static_cast<std::byte*>(ralloc(count * sizeof(T)));
+    oa_fresh_end_m = oa_fresh_m + count * sizeof(T);
     mempool_sz_m += count * sizeof(T);
-    for (size_t i = count; i-- > 0;)
-        oa_free_list_m = new (chunk + i * sizeof(T)) FREE{oa_free_list_m};
 }
 
 template <class T>
@@ -82,10 +84,12 @@ void* OALLOC<T>::operator new(size_t size) {
     if (oa_stats_m)
         std::fprintf(stderr, "%s:%10ld:%10ld:%10ld\n", pool_name(), curr_alloc_cnt_m,
                      total_alloc_cnt_m, static_cast<long>(mempool_sz_m));
-    if (oa_free_list_m == nullptr) add_chunk();
-    FREE* object = oa_free_list_m;
-    oa_free_list_m = object->next;
-    return object;
+    if (FREE* object = oa_free_list_m) {
+        oa_free_list_m = object->next;
+        return object;
+    }
+    if (oa_fresh_m == oa_fresh_end_m) add_chunk();
+    return std::exchange(oa_fresh_m, oa_fresh_m + sizeof(T));
 }
 
 template <class T>

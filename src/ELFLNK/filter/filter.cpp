@@ -230,6 +230,7 @@ bool SECTION_FILTER::match_pattern(const char* name) const {
     const char* pattern = get_pattern();
     if (is_empty(name) || is_empty(pattern)) return false;
     if (is_wild_) return matches_text(name, pattern);
+    if (*name != *pattern) return false;
     const std::size_t length = std::strlen(pattern);
     if (std::strncmp(name, pattern, length) != 0) return false;
     const char next = name[length];

@@ -163,12 +163,12 @@ int ELF_SECTION::set_unit_size(unsigned bits) {
 
 int ELF_SECTION::set_unit_size(const char* section_name) {
     const ELF_SPECIAL_SECTION* row = nullptr;
+    unit_size_ = static_cast<unsigned char>(ofile()->machine_db()->unit_size());
+    if (unit_size_ == 8) return 0; // no row says anything else
     if (shdr_.sh_type == SHT_GROUP)
         unit_size_ = 8;
     else if ((row = ELF_SECTION_TABLE::special_section(section_name)) && row->unit)
         unit_size_ = static_cast<unsigned char>(row->unit);
-    else
-        unit_size_ = static_cast<unsigned char>(ofile()->machine_db()->unit_size());
     return 0;
 }
 

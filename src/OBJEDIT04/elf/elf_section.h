@@ -5,6 +5,7 @@
 
 #include "OBJEDIT04/elf/elf_types.h"
 #include "OBJEDIT04/ofe/of_section.h"
+#include "UTIL/oalloc.h"
 #include <memory>
 
 namespace OFE {
@@ -20,7 +21,7 @@ class ELF_SYMALIAS_TABLE;
 class ELF_SYMBOL_TABLE;
 class OF_BUILD_ATTR_TABLE;
 
-class ELF_SECTION final : public OF_SECTION {
+class ELF_SECTION final : public OF_SECTION, public OALLOC<ELF_SECTION> {
   public:
     ELF_SECTION(ELF_SECTION_TABLE* table, unsigned id);
     ~ELF_SECTION() override;

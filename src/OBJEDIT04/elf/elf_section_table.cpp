@@ -2,6 +2,7 @@
 // offset, size, link and name index of a header can be used as it stands.
 #include "OBJEDIT04/elf/elf_section_table.h"
 
+#include <cstddef>
 #include <cstring>
 
 #include "OBJEDIT04/elf/elf32_rw.h"
@@ -185,6 +186,16 @@ bool ELF_SECTION_TABLE::raw_header(unsigned id, Elf32_Shdr& out) const {
     return true;
 }
 
+// One field, by its offset in the header, without a copy of the others.
+unsigned ELF_SECTION_TABLE::header_word(unsigned id, size_t offset) const {
+    const OF_SECTION* loaded = sections_[id];
+    if (!loaded) return read_u32(raw_ + size_t{id} * raw_entsize_ + offset, elf_file()->big());
+    unsigned word;
+    const Elf32_Shdr& header = static_cast<const ELF_SECTION*>(loaded)->header();
+    std::memcpy(&word, reinterpret_cast<const char*>(&header) + offset, sizeof word);
+    return word;
+}
+
 const char* ELF_SECTION_TABLE::raw_name(unsigned id) {
     if (id >= sections_.size()) return "";
     if (sections_[id]) return sections_[id]->name();
@@ -325,24 +336,26 @@ unsigned ELF_SECTION_TABLE::reloc_section(unsigned section_id, unsigned table) {
                                                    : 0;
 }
 
+// The symbol table that a relocation section counts in; null: none.
+OF_SYMBOL_TABLE* ELF_SECTION_TABLE::linked_symbols(unsigned link) {
+    if (link == elf_file()->symtab_index()) return elf_file()->elf_symbol_table();
+    if (link >= scnnum()) return nullptr;
+    const unsigned type = header_word(link, offsetof(Elf32_Shdr, sh_type));
+    return type == SHT_SYMTAB || type == SHT_DYNSYM ? elf_section(link)->symbol_table_api()
+                                                    : nullptr;
+}
+
 OF_RAW_RELOCS ELF_SECTION_TABLE::raw_relocs(unsigned section_id, unsigned table) {
-    unsigned id = reloc_section(section_id, table);
-    Elf32_Shdr h;
-    if (id == 0 || !raw_header(id, h)) return {};
-    bool rela = h.sh_type == SHT_RELA;
-    Elf32_Shdr link;
-    OF_SYMBOL_TABLE* symbols = nullptr;
-    if (h.sh_link == elf_file()->symtab_index())
-        symbols = elf_file()->elf_symbol_table();
-    else if (raw_header(h.sh_link, link) &&
-             (link.sh_type == SHT_SYMTAB || link.sh_type == SHT_DYNSYM))
-        symbols = elf_section(h.sh_link)->symbol_table_api();
+    const unsigned id = reloc_section(section_id, table);
+    if (id == 0) return {};
+    const bool rela = header_word(id, offsetof(Elf32_Shdr, sh_type)) == SHT_RELA;
+    const bool big = elf_file()->big();
+    unsigned entsize = header_word(id, offsetof(Elf32_Shdr, sh_entsize));
+    if (entsize == 0) entsize = rela ? ELF_RELASIZE : ELF_RELSIZE;
     const uint8_t* data = nullptr;
-    size_t size = h.sh_size;
-    unsigned entsize = h.sh_entsize ? h.sh_entsize : rela ? ELF_RELASIZE : ELF_RELSIZE;
-    bool big = elf_file()->big();
+    size_t size = header_word(id, offsetof(Elf32_Shdr, sh_size));
     if (!sections_[id]) {
-        data = elf_file()->image().data + h.sh_offset;
+        data = elf_file()->image().data + header_word(id, offsetof(Elf32_Shdr, sh_offset));
     } else {
         ELF_RELOC_TABLE* t = elf_section(id)->reloc_table_api();
         size_t count = 0;
@@ -356,6 +369,7 @@ OF_RAW_RELOCS ELF_SECTION_TABLE::raw_relocs(unsigned section_id, unsigned table)
         }
     }
     if (!data) return {};
+    OF_SYMBOL_TABLE* symbols = linked_symbols(header_word(id, offsetof(Elf32_Shdr, sh_link)));
     return {data, static_cast<unsigned>(size / entsize), entsize, rela, big, id, symbols};
 }
 

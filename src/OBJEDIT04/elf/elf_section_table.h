@@ -92,6 +92,8 @@ class ELF_SECTION_TABLE final : public OF_SECTION_TABLE {
 
   private:
     int check_headers();
+    OF_SYMBOL_TABLE* linked_symbols(unsigned link);
+    unsigned header_word(unsigned id, size_t offset) const; // of one that exists
     void drop_group(unsigned id);
     void make_lock_sections();
     void store_shstrndx(unsigned i);

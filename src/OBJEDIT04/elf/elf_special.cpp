@@ -57,6 +57,10 @@ static_assert(std::is_sorted(std::begin(ROWS), std::end(ROWS),
                                  return less(a.name, b.name);
                              }));
 
+static_assert(std::all_of(std::begin(ROWS), std::end(ROWS), [](const ELF_SPECIAL_SECTION& row) {
+    return row.unit == 0 || row.unit == 8;
+}));
+
 constexpr ELF_SPECIAL_SECTION GNU_VERSION_ROWS[] = {
     {".gnu.version", SHT_GNU_versym, 2, 0x2, 8},
     {".gnu.version_d", SHT_GNU_verdef, 0, 0x2, 8},
