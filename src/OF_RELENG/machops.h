@@ -17,6 +17,9 @@ class OF_RELENG_MACHOPS {
   public:
     virtual ~OF_RELENG_MACHOPS() = default;
 
+    // Applies a relocation of one of the commonest types where nothing needs a decision or a
+    // message, to the same effect as the steps below; false: take those.
+    virtual bool rel_apply_plain(OF_RELENG&, const RELOC_SITE&) { return false; }
     // True for a relocation that changes nothing.
     virtual bool rel_skip(const RELOC_SITE& site) const;
     // The value to encode; false: the type is not supported.

@@ -48,6 +48,7 @@ RELOC_SYMBOL describe(OF_SYMBOL* input, RELENG_HOOKS* hooks) {
     uint32_t value = s.final->value();
     s.odd = value & 1;
     s.value = s.function ? value & ~1u : value;
+    s.plain = !s.unresolved && (!s.function || s.odd);
     return s;
 }
 
@@ -190,7 +191,7 @@ void OF_RELENG::process_reloc(OF_RELOC* rel) {
 
 void OF_RELENG::process_reloc(const RELOC_SITE& site) {
     if (!site.rel) return unsupported(site);
-    if (!machops_ || machops_->rel_skip(site)) return;
+    if (!machops_ || machops_->rel_apply_plain(*this, site) || machops_->rel_skip(site)) return;
     if (!fits(site)) {
         report_diag(site, DIAG::releng_bad_offset(__FILE__, __LINE__, relinfo(site)));
         return;

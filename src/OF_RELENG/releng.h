@@ -42,6 +42,7 @@ struct RELOC_SYMBOL {
     bool unresolved = false;      // of kind undefined
     bool unresolved_weak = false; // of kind undefined and binding weak
     bool gone = false;            // an unallocated common, or its section is not in the link
+    bool plain = false;           // not unresolved, and of type function only if Thumb code
 };
 
 // One relocation as the engine sees it.

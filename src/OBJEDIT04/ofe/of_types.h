@@ -4,8 +4,10 @@
 // here once.
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <vector>
 
 class FHM_FILE;
@@ -149,19 +151,26 @@ struct OF_BYTES {
 OF_ENDIAN host_endian();
 
 // Reads a number of the given byte order at p; the caller has checked that the bytes are there.
+inline bool is_host_order(bool big) {
+    return big == (std::endian::native == std::endian::big);
+}
 inline uint16_t read_u16(const uint8_t* p, bool big) {
-    return static_cast<uint16_t>(big ? (p[0] << 8 | p[1]) : (p[1] << 8 | p[0]));
+    uint16_t v;
+    std::memcpy(&v, p, sizeof v);
+    return is_host_order(big) ? v : __builtin_bswap16(v);
 }
 inline uint32_t read_u32(const uint8_t* p, bool big) {
-    return big ? uint32_t{p[0]} << 24 | uint32_t{p[1]} << 16 | uint32_t{p[2]} << 8 | p[3]
-               : uint32_t{p[3]} << 24 | uint32_t{p[2]} << 16 | uint32_t{p[1]} << 8 | p[0];
+    uint32_t v;
+    std::memcpy(&v, p, sizeof v);
+    return is_host_order(big) ? v : __builtin_bswap32(v);
 }
 inline void write_u16(uint8_t* p, uint16_t v, bool big) {
-    p[big ? 0 : 1] = static_cast<uint8_t>(v >> 8);
-    p[big ? 1 : 0] = static_cast<uint8_t>(v);
+    if (!is_host_order(big)) v = __builtin_bswap16(v);
+    std::memcpy(p, &v, sizeof v);
 }
 inline void write_u32(uint8_t* p, uint32_t v, bool big) {
-    for (int i = 0; i < 4; ++i) p[big ? 3 - i : i] = static_cast<uint8_t>(v >> (8 * i));
+    if (!is_host_order(big)) v = __builtin_bswap32(v);
+    std::memcpy(p, &v, sizeof v);
 }
 
 } // namespace OFE

@@ -35,6 +35,50 @@ unsigned ARM_RELENG_MACHOPS::isa_version(OF_RELENG& engine) const {
     return db ? db->find_isa_version() : 0;
 }
 
+// What a plain symbol leaves open is only whether the value fits.
+bool ARM_RELENG_MACHOPS::rel_apply_plain(OF_RELENG& engine, const RELOC_SITE& site) {
+    if (!site.symbol || !site.symbol->plain || !engine.fits(site)) return false;
+    const OF_RELOC_TEMPLATE& rel = *site.rel;
+    uint8_t* p = engine.place(site);
+    const bool big = engine.big_endian();
+    const long target = site.symbol->gone ? 0
+                        : rel.pcrel()     ? long{site.symbol->value} - engine.opnd_P(site)
+                                          : long{site.symbol->value};
+    const bool thumb = site.symbol->function && !engine.in_debug_section();
+    auto value_of = [&](long field) {
+        return (target + (site.rela ? site.addend : field)) | thumb;
+    };
+    switch (rel.id) {
+    case OFR_RELLONG:
+    case OFR_PCRLONG:
+        put_arm(p, big, static_cast<uint32_t>(value_of(get_arm(p, big))));
+        return true;
+    case OFR_ARM_PREL31: {
+        const uint32_t word = get_arm(p, big);
+        const long value = value_of(sign_extend(word, 31));
+        if (value != sign_extend(value, 31)) return false;
+        put_arm(p, big, with_bits(word, 30, 0, static_cast<uint64_t>(value)));
+        return true;
+    }
+    case OFR_ARM_THM_MOVW_ABS_NC:
+    case OFR_ARM_THM_MOVT_ABS:
+        put_field(rel, p, big, value_of(sign_extend(get_field(rel, p, big), 16)) >> rel.scale);
+        return true;
+    case OFR_ARM_THM_CALL:
+    case OFR_ARM_THM_JUMP24: {
+        if (!thumb || isa_version(engine) < ISA_V6T2) return false;
+        const long value = value_of(sign_extend(get_field(rel, p, big), 24) * 2) >> 1;
+        if (value != sign_extend(value, 24)) return false;
+        uint32_t pair = get_thumb32(p, big);
+        if (rel.id == OFR_ARM_THM_CALL) pair = with_bits(pair, 12, 12, 1); // BL
+        put_thumb32(p, big, put_thumb_branch24(pair, value, true));
+        return true;
+    }
+    default:
+        return false;
+    }
+}
+
 bool ARM_RELENG_MACHOPS::rel_calculate_relocated_value(OF_RELENG& engine, const RELOC_SITE& site,
                                                        long& value) {
     switch (site.rel->value) {

@@ -12,6 +12,7 @@ struct OF_RELOC_TEMPLATE;
 
 class ARM_RELENG_MACHOPS final : public OF_RELENG_MACHOPS {
   public:
+    bool rel_apply_plain(OF_RELENG& engine, const RELOC_SITE& site) override;
     bool rel_calculate_relocated_value(OF_RELENG& engine, const RELOC_SITE& site,
                                        long& value) override;
     bool rel_unpack(OF_RELENG& engine, const RELOC_SITE& site, long& value) override;
