@@ -66,16 +66,25 @@ void ELF_SYMBOL_TABLE::take_raw() {
     }
 }
 
+namespace {
+
+bool is_binding(const Elf32_Sym& sym) {
+    return sym.st_info >> 4 <= STB_WEAK;
+}
+bool has_alignment(const Elf32_Sym& sym) {
+    return sym.st_shndx != SHN_COMMON || (sym.st_value & (sym.st_value - 1)) == 0;
+}
+// Nothing later could make sense of other values.
+bool is_sensible(const Elf32_Sym& sym) {
+    return is_binding(sym) && has_alignment(sym);
+}
+
+} // namespace
+
 bool ELF_SYMBOL_TABLE::read_record(unsigned id, Elf32_Sym& sym, unsigned& ext_shndx) {
-    const uint8_t* p = raw_ + size_t{id} * entsize_;
-    sym.st_name = read_u32(p, big_);
-    sym.st_value = read_u32(p + 4, big_);
-    sym.st_size = read_u32(p + 8, big_);
-    sym.st_info = p[12];
-    sym.st_other = p[13];
-    sym.st_shndx = read_u16(p + 14, big_);
+    load_Elf32_Sym(raw_ + size_t{id} * entsize_, sym, !is_host_order(big_));
     ext_shndx = 0;
-    check_record(id, sym);
+    if (!is_sensible(sym)) report_record(id, sym);
     unsigned section = sym.st_shndx;
     if (section == SHN_XINDEX) {
         if (id < raw_shndx_count_) ext_shndx = read_u32(raw_shndx_ + size_t{id} * 4, big_);
@@ -84,7 +93,7 @@ bool ELF_SYMBOL_TABLE::read_record(unsigned id, Elf32_Sym& sym, unsigned& ext_sh
     } else if (section >= SHN_LORESERVE) {
         return true;
     }
-    if (section < section_table()->scnnum()) return true;
+    if (section < elf_file()->elf_section_table()->scnnum()) return true;
     ofile()->set_error(OF_ERROR_CORRUPT,
                        "symbol %u in \"%s\" refers to section %u, which does not exist", id, name(),
                        section);
@@ -93,12 +102,11 @@ bool ELF_SYMBOL_TABLE::read_record(unsigned id, Elf32_Sym& sym, unsigned& ext_sh
     return false;
 }
 
-// Values that nothing later could make sense of.
-void ELF_SYMBOL_TABLE::check_record(unsigned id, const Elf32_Sym& sym) {
-    if (sym.st_info >> 4 > STB_WEAK)
+void ELF_SYMBOL_TABLE::report_record(unsigned id, const Elf32_Sym& sym) {
+    if (!is_binding(sym))
         ofile()->set_error(OF_ERROR_CORRUPT, "the binding of symbol %u in \"%s\" is 0x%x", id,
                            name(), sym.st_info >> 4);
-    if (sym.st_shndx == SHN_COMMON && (sym.st_value & (sym.st_value - 1)) != 0)
+    if (!has_alignment(sym))
         ofile()->set_error(OF_ERROR_CORRUPT,
                            "the alignment of the common symbol %u in \"%s\" is 0x%x, which is not "
                            "a power of 2",

@@ -52,7 +52,7 @@ class ELF_SYMBOL_TABLE final : public OF_SYMBOL_TABLE {
   private:
     void take_raw();
     bool read_record(unsigned id, Elf32_Sym& sym, unsigned& ext_shndx);
-    void check_record(unsigned id, const Elf32_Sym& sym);
+    void report_record(unsigned id, const Elf32_Sym& sym);
     const char* string_at(unsigned offset, unsigned id);
     int write_records();
 
