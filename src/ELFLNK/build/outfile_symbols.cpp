@@ -53,15 +53,20 @@ bool final_call_done = false;
 
 void remember_input(OF_SYMBOL* output, OF_SYMBOL_TABLE* table, unsigned id) {
     if (output->ofile() != output_OF_FILE()) return;
-    if (output->id() >= input_refs.size()) input_refs.resize(output->id() + 1);
-    input_refs[output->id()] = {output, table, id};
+    const unsigned at = output->id();
+    if (at > input_refs.size()) input_refs.resize(at);
+    if (at == input_refs.size())
+        input_refs.push_back({output, table, id});
+    else
+        input_refs[at] = {output, table, id};
 }
 
-OF_SYMBOL*& local_slot(OBJECT_FILE* file, OF_SYMBOL_TABLE* table, unsigned id) {
+// The slots for the outputs of a file's local symbols.
+std::vector<OF_SYMBOL*>& locals_of(OBJECT_FILE* file, OF_SYMBOL_TABLE* table) {
     if (file->file_id() >= local_outputs.size()) local_outputs.resize(file->file_id() + 1);
     std::vector<OF_SYMBOL*>& of_file = local_outputs[file->file_id()];
-    if (id >= of_file.size()) of_file.resize(std::max(id + 1, table->first_global()));
-    return of_file[id];
+    if (of_file.size() < table->first_global()) of_file.resize(table->first_global());
+    return of_file;
 }
 
 // --- values
@@ -133,40 +138,61 @@ void copy_symbol(OF_SYMBOL_TABLE* table, OF_SYMBOL* symbol, bool final) {
     store_symbol_value(output, place.section, place.value, final);
 }
 
-// A local symbol without an object: in the link when its section is, or, being absolute, when it
-// has a type.
-void copy_local(OBJECT_FILE* file, OF_SYMBOL_TABLE* table, const OF_RAW_SYMBOL& raw,
-                bool prebuild) {
-    SECTION* object = nullptr;
-    if (raw.kind == OF_SYM_KIND_DEFINED) {
-        object = root_collection->lookup_section(file->file_id(), raw.section_id);
-        if (!object || !object->output_OF_SECTION()) return;
-    } else if (raw.kind != OF_SYM_KIND_ABSOLUTE || raw.type == OF_SYM_TYPE_NONE) {
-        return;
+// Copies the local symbols of one file that have no object. One is in the link when its section is,
+// or, being absolute, when it has a type.
+class LOCAL_COPIER {
+  public:
+    LOCAL_COPIER(OBJECT_FILE* file, OF_SYMBOL_TABLE* table, bool prebuild)
+        : file_(file),
+          table_(table),
+          outputs_(locals_of(file, table)),
+          to_(output_OF_FILE()->symbol_table()),
+          prebuild_(prebuild) {}
+
+    void copy(const OF_RAW_SYMBOL& raw) {
+        const bool defined = raw.kind == OF_SYM_KIND_DEFINED;
+        if (defined) find_place(raw.section_id);
+        if (defined ? !output_section_
+                    : raw.kind != OF_SYM_KIND_ABSOLUTE || raw.type == OF_SYM_TYPE_NONE)
+            return;
+        if (raw.id >= outputs_.size()) outputs_.resize(raw.id + 1);
+        OF_SYMBOL*& output = outputs_[raw.id];
+        if (!output) {
+            output = to_->new_symbol_like(raw);
+            output->set_final(true);
+            remember_input(output, table_, raw.id);
+        } else if (output->final_value()) {
+            return;
+        }
+        if (defined)
+            store_symbol_value(output, output_section_, raw.value + base_,
+                               !prebuild_ || object_->is_placed());
+        else
+            store_symbol_value(output, nullptr, raw.value, true);
     }
-    OF_SYMBOL*& output = local_slot(file, table, raw.id);
-    if (!output) {
-        output = output_OF_FILE()->symbol_table()->new_symbol();
-        output->set_name_view(raw.name);
-        if (raw.kind != OF_SYM_KIND_DEFINED) output->set_kind(raw.kind);
-        output->set_size(raw.size);
-        output->set_type(raw.type);
-        output->set_visibility(raw.visibility);
-        output->set_binding(OF_SYM_BINDING_LOCAL);
-        output->set_final(true);
-        remember_input(output, table, raw.id);
-    } else if (output->final_value()) {
-        return;
+
+  private:
+    // Symbols of one section come in runs.
+    void find_place(unsigned section_id) {
+        if (section_id == section_id_) return;
+        section_id_ = section_id;
+        object_ = root_collection->lookup_section(file_->file_id(), section_id);
+        output_section_ = object_ ? object_->output_OF_SECTION() : nullptr;
+        if (output_section_)
+            base_ = placed_value(object_, object_->OF_SECTION_api(), 0, file_->values_are_scnrel(),
+                                 false);
     }
-    uint64_t value = raw.value;
-    OF_SECTION* section = nullptr;
-    if (object) {
-        section = object->output_OF_SECTION();
-        value =
-            placed_value(object, object->OF_SECTION_api(), value, file->values_are_scnrel(), false);
-    }
-    store_symbol_value(output, section, value, !prebuild || !object || object->is_placed());
-}
+
+    OBJECT_FILE* file_;
+    OF_SYMBOL_TABLE* table_;
+    std::vector<OF_SYMBOL*>& outputs_;
+    OF_SYMBOL_TABLE* to_;
+    bool prebuild_;
+    unsigned section_id_ = OF_RAW_SYMBOL::NO_SECTION; // what the others are about
+    SECTION* object_ = nullptr;
+    OF_SECTION* output_section_ = nullptr;
+    uint64_t base_ = 0; // what makes a value of the input one of the output
+};
 
 // A kind that no format gives a meaning to is not copied, nor is what other files define.
 bool is_copied(OF_SYM_KIND kind) {
@@ -182,13 +208,14 @@ bool is_defined_now(OF_SYMBOL* symbol, bool prebuild) {
 void copy_symbols_of(OBJECT_FILE* file, bool prebuild) {
     OF_SYMBOL_TABLE* table = file->symbol_table();
     if (!table) return;
+    LOCAL_COPIER locals(file, table, prebuild);
     OF_RAW_SYMBOL raw;
     for (unsigned id = 0, n = table->symnum(); id < n; id = table->next_symbol_id(id)) {
         OF_SYMBOL* symbol = table->loaded_symbol(id);
         if (!symbol) {
             if (!table->raw_symbol(id, raw) || !is_copied(raw.kind)) continue;
             if (raw.binding == OF_SYM_BINDING_LOCAL) {
-                copy_local(file, table, raw, prebuild);
+                locals.copy(raw);
                 continue;
             }
             if (raw.kind != OF_SYM_KIND_COMMON &&
@@ -217,15 +244,16 @@ OF_SYMBOL* lookup_input_symbol_from_output(OF_SYMBOL* output) {
 }
 
 // What is never used of this costs no memory, whereas growing would copy all of it several times.
-static void reserve_input_refs() {
+static void reserve_for_all_symbols() {
     size_t count = 0;
     for (OBJ_FILE* file : file_manager.object_files())
         if (OF_SYMBOL_TABLE* table = file->object_file()->symbol_table()) count += table->symnum();
     input_refs.reserve(count);
+    output_OF_FILE()->symbol_table()->reserve(count);
 }
 
 void copy_symbols(bool prebuild) {
-    if (input_refs.empty()) reserve_input_refs();
+    if (input_refs.empty()) reserve_for_all_symbols();
     for (OBJ_FILE* file : file_manager.object_files())
         if (file != file_manager.output_file() && file->is_static_linking_object())
             copy_symbols_of(file->object_file(), prebuild);

@@ -170,7 +170,7 @@ bool ROOT_COLLECTION::symbol_is_in_link(const OFE::OF_SYMBOL* symbol) const {
     if (symbol->final()) return true;
     switch (symbol->kind()) {
     case OFE::OF_SYM_KIND_DEFINED:
-        return lookup_OF_SECTION(symbol->section()) != nullptr;
+        return lookup_section(symbol->ofile()->file_id(), symbol->section_id()) != nullptr;
     case OFE::OF_SYM_KIND_ABSOLUTE:
         return symbol->ofile()->format() == OFE::OF_FORMAT_QVCOFF ||
                symbol->type() != OFE::OF_SYM_TYPE_NONE || lookup_symbol_object(symbol) != nullptr;

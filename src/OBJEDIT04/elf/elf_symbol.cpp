@@ -147,6 +147,10 @@ OF_SYM_TYPE ELF_SYMBOL::type_of(unsigned st_info) {
     return t <= STT_TLS ? static_cast<OF_SYM_TYPE>(t) : OF_SYM_TYPE_NONE;
 }
 
+uint8_t ELF_SYMBOL::info_of(OF_SYM_BINDING binding, OF_SYM_TYPE type) {
+    return static_cast<uint8_t>((binding - 1) << 4 | type);
+}
+
 OF_SYM_BINDING ELF_SYMBOL::binding() const {
     return binding_of(sym_.st_info);
 }

@@ -57,6 +57,7 @@ class ELF_SYMBOL final : public OF_SYMBOL, public OALLOC<ELF_SYMBOL> {
     static OF_SYM_KIND kind_of(unsigned shndx); // by the standard; what a machine adds comes first
     static OF_SYM_BINDING binding_of(unsigned st_info);
     static OF_SYM_TYPE type_of(unsigned st_info);
+    static uint8_t info_of(OF_SYM_BINDING binding, OF_SYM_TYPE type); // binding: not "none"
     static const char* st_bind_name(unsigned v);
     static const char* st_type_name(unsigned v);
     static const char* st_visibility_name(unsigned v);

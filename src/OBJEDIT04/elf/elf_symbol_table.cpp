@@ -153,6 +153,18 @@ OF_SYMBOL* ELF_SYMBOL_TABLE::new_symbol() {
     return OF_SYMBOL_TABLE::new_symbol();
 }
 
+OF_SYMBOL* ELF_SYMBOL_TABLE::new_symbol_like(const OF_RAW_SYMBOL& model) {
+    auto* s = static_cast<ELF_SYMBOL*>(new_symbol());
+    if (!s) return nullptr;
+    s->set_name_view(model.name);
+    Elf32_Sym& record = s->record();
+    record.st_size = model.size;
+    record.st_info = ELF_SYMBOL::info_of(model.binding, model.type);
+    record.st_other = static_cast<uint8_t>((record.st_other & ~3u) | (model.visibility & 3));
+    if (model.kind != OF_SYM_KIND_DEFINED) s->set_kind(model.kind);
+    return s;
+}
+
 bool ELF_SYMBOL_TABLE::raw_symbol(unsigned id, OF_RAW_SYMBOL& out) {
     if (id >= symnum_) return false;
     out.id = id;

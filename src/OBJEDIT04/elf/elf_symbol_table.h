@@ -27,6 +27,7 @@ class ELF_SYMBOL_TABLE final : public OF_SYMBOL_TABLE {
     OF_SECTION_TABLE* section_table() const override;
     ELF_SYMBOL* elf_symbol(unsigned id);
     OF_SYMBOL* new_symbol() override;
+    OF_SYMBOL* new_symbol_like(const OF_RAW_SYMBOL& model) override;
     int clear() override;
     int update_section_refs(const RECORD_MAP<unsigned>& map) override;
     int patch_symbol_refs() override;

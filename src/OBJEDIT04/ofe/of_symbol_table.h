@@ -24,6 +24,10 @@ class OF_SYMBOL_TABLE : public OF_STATE_MACHINE {
                                    unsigned start); // first of that name from start, or null
     virtual unsigned next_symbol_id(unsigned id) const { return id + 1; }
     virtual OF_SYMBOL* new_symbol();
+    // A new symbol with the fields of a record, but for the section and the value.
+    virtual OF_SYMBOL* new_symbol_like(const OF_RAW_SYMBOL& model) = 0;
+    // Room for so many symbols, so that none is moved as the table grows.
+    void reserve(size_t symbols) { symbols_.reserve(symbols); }
     virtual OF_SYMBOL* new_symbol_at(unsigned id);
     virtual int delete_symbol(unsigned id);
     void mark_changed() { changed_ = true; }
