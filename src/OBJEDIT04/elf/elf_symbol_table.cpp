@@ -306,13 +306,13 @@ int ELF_SYMBOL_TABLE::lock_symbol_ordering() {
         ordered.push_back(symbols_[0]);
     }
     size_t first = ordered[0]->id() == OF_DELETED ? 0 : 1;
+    std::vector<OF_SYMBOL*> others;
     for (size_t i = first; i < symbols_.size(); ++i)
-        if (symbols_[i]->binding() == OF_SYM_BINDING_LOCAL && !is_null(symbols_[i]))
-            ordered.push_back(symbols_[i]);
+        if (!is_null(symbols_[i]))
+            (symbols_[i]->binding() == OF_SYM_BINDING_LOCAL ? ordered : others)
+                .push_back(symbols_[i]);
     section_->set_sh_info(static_cast<unsigned>(ordered.size()));
-    for (size_t i = first; i < symbols_.size(); ++i)
-        if (symbols_[i]->binding() != OF_SYM_BINDING_LOCAL && !is_null(symbols_[i]))
-            ordered.push_back(symbols_[i]);
+    ordered.insert(ordered.end(), others.begin(), others.end());
     bool changed = ordered.size() != symbols_.size();
     RECORD_MAP<unsigned> map(symnum_, OF_DELETED);
     for (unsigned i = 0; i < ordered.size(); ++i) {

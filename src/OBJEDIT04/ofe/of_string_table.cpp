@@ -7,6 +7,14 @@
 
 namespace OFE {
 
+namespace {
+
+uint32_t hash_of(std::string_view text) {
+    return static_cast<uint32_t>(hash64(text));
+}
+
+} // namespace
+
 void OF_STRING_TABLE_MANAGER::set_pool(OF_BYTES bytes) {
     clear();
     view_ = bytes;
@@ -45,17 +53,29 @@ std::string_view OF_STRING_TABLE_MANAGER::at(unsigned offset) const {
     return {text, strnlen(text, size() - offset)};
 }
 
-unsigned* OF_STRING_TABLE_MANAGER::slot(std::string_view text, uint64_t hash) {
-    for (size_t i = hash & (slots_.size() - 1);; i = (i + 1) & (slots_.size() - 1))
-        if (slots_[i] == 0 || at(slots_[i] - 1) == text) return &slots_[i];
+bool OF_STRING_TABLE_MANAGER::is_at(unsigned offset, std::string_view text) const {
+    return size() - offset > text.size() && data()[offset + text.size()] == 0 &&
+           std::memcmp(data() + offset, text.data(), text.size()) == 0;
 }
 
+OF_STRING_TABLE_MANAGER::SLOT& OF_STRING_TABLE_MANAGER::slot(std::string_view text, uint32_t hash) {
+    for (size_t i = hash & (slots_.size() - 1);; i = (i + 1) & (slots_.size() - 1)) {
+        SLOT& s = slots_[i];
+        if (s.offset == 0 || (s.hash == hash && is_at(s.offset - 1, text))) return s;
+    }
+}
+
+// Keeps a third of the slots free.
 void OF_STRING_TABLE_MANAGER::grow() {
-    if (slots_.size() > size_t{entries_} * 2) return;
-    std::vector<unsigned> old = std::move(slots_);
-    slots_.assign(old.empty() ? 64 : old.size() * 2, 0);
-    for (unsigned s : old)
-        if (s) *slot(at(s - 1), hash64(at(s - 1))) = s;
+    if (slots_.size() > size_t{entries_} * 3 / 2) return;
+    std::vector<SLOT> old = std::move(slots_);
+    slots_.assign(old.empty() ? 64 : old.size() * 2, SLOT());
+    for (const SLOT& s : old) {
+        if (s.offset == 0) continue;
+        size_t i = s.hash & (slots_.size() - 1);
+        while (slots_[i].offset != 0) i = (i + 1) & (slots_.size() - 1);
+        slots_[i] = s;
+    }
 }
 
 void OF_STRING_TABLE_MANAGER::own_pool() {
@@ -69,9 +89,10 @@ void OF_STRING_TABLE_MANAGER::index_pool() {
     for (unsigned offset = first_offset(); offset < size();) {
         std::string_view text = at(offset);
         grow();
-        unsigned* s = slot(text, hash64(text));
-        if (*s == 0) {
-            *s = offset + 1;
+        const uint32_t hash = hash_of(text);
+        SLOT& s = slot(text, hash);
+        if (s.offset == 0) {
+            s = {offset + 1, hash};
             ++entries_;
         }
         offset += static_cast<unsigned>(text.size()) + 1;
@@ -84,13 +105,14 @@ unsigned OF_STRING_TABLE_MANAGER::add_string(const char* text) {
     if (!indexed_) index_pool();
     std::string_view t = text ? text : "";
     grow();
-    unsigned* s = slot(t, hash64(t));
-    if (*s) return *s - 1;
+    const uint32_t hash = hash_of(t);
+    SLOT& s = slot(t, hash);
+    if (s.offset != 0) return s.offset - 1;
     if (own_.size() < first_offset()) own_.resize(first_offset());
     unsigned offset = static_cast<unsigned>(own_.size());
     own_.insert(own_.end(), t.begin(), t.end());
     own_.push_back(0);
-    *s = offset + 1;
+    s = {offset + 1, hash};
     ++entries_;
     return offset;
 }
@@ -98,9 +120,9 @@ unsigned OF_STRING_TABLE_MANAGER::add_string(const char* text) {
 bool OF_STRING_TABLE_MANAGER::find_string(const char* text, unsigned& offset) {
     if (!indexed_ || slots_.empty()) return false;
     std::string_view t = text;
-    unsigned* s = slot(t, hash64(t));
-    if (*s == 0) return false;
-    offset = *s - 1;
+    const SLOT& s = slot(t, hash_of(t));
+    if (s.offset == 0) return false;
+    offset = s.offset - 1;
     return true;
 }
 

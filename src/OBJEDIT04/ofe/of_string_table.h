@@ -36,13 +36,19 @@ class OF_STRING_TABLE_MANAGER {
   private:
     void index_pool();
     void own_pool();
-    unsigned* slot(std::string_view text, uint64_t hash);
+    // A free slot has the offset 0; others hold one more than the text's.
+    struct SLOT {
+        unsigned offset = 0;
+        uint32_t hash = 0;
+    };
+    SLOT& slot(std::string_view text, uint32_t hash);
+    bool is_at(unsigned offset, std::string_view text) const;
     void grow();
     std::string_view at(unsigned offset) const;
 
-    OF_BYTES view_;               // the pool as read
-    std::vector<char> own_;       // the pool once changed
-    std::vector<unsigned> slots_; // open addressing: offset + 1; 0 free
+    OF_BYTES view_;           // the pool as read
+    std::vector<char> own_;   // the pool once changed
+    std::vector<SLOT> slots_; // open addressing
     unsigned entries_ = 0;
     bool owned_ = false;
     bool indexed_ = false;
