@@ -21,42 +21,38 @@ ROOT_COLLECTION::~ROOT_COLLECTION() = default;
 // ---- input sections ------------------------------------------------------------------------
 
 void ROOT_COLLECTION::add_section(SECTION* section) {
-    const OFE::OF_SECTION* input = section->OF_SECTION_api();
+    OFE::OF_SECTION* input = section->OF_SECTION_api();
     if (input == nullptr) return;
     const std::size_t file = input->ofile()->file_id();
-    if (file >= sections_.size()) sections_.resize(file + 1);
-    auto& slots = sections_[file];
-    if (input->id() >= slots.size()) {
-        const std::size_t all = input->section_table()->scnnum();
-        slots.resize(std::max(all, std::size_t{input->id()} + 1));
-    }
-    if (slots[input->id()] == nullptr) ++section_count_;
-    slots[input->id()] = section;
+    if (file >= section_tables_.size()) section_tables_.resize(file + 1);
+    section_tables_[file] = input->section_table();
+    if (input->client() == nullptr) ++section_count_;
+    input->set_client(section);
 }
 
 void ROOT_COLLECTION::remove_section(SECTION* section) {
-    const OFE::OF_SECTION* input = section->OF_SECTION_api();
+    OFE::OF_SECTION* input = section->OF_SECTION_api();
     if (input == nullptr || lookup_OF_SECTION(input) != section) return;
-    sections_[input->ofile()->file_id()][input->id()] = nullptr;
+    input->set_client(nullptr);
     --section_count_;
 }
 
 SECTION* ROOT_COLLECTION::lookup_section(uint32_t file_id, uint32_t section_id) const {
-    if (file_id >= sections_.size()) return nullptr;
-    const auto& slots = sections_[file_id];
-    return section_id < slots.size() ? slots[section_id] : nullptr;
+    if (file_id >= section_tables_.size() || section_tables_[file_id] == nullptr) return nullptr;
+    return lookup_OF_SECTION(section_tables_[file_id]->loaded_section(section_id));
 }
 
 SECTION* ROOT_COLLECTION::lookup_OF_SECTION(const OFE::OF_SECTION* section) const {
-    return section == nullptr ? nullptr
-                              : lookup_section(section->ofile()->file_id(), section->id());
+    return section == nullptr ? nullptr : static_cast<SECTION*>(section->client());
 }
 
 void ROOT_COLLECTION::list_sections(std::vector<SECTION*>& out) const {
     out.reserve(out.size() + section_count_);
-    for (const auto& slots : sections_)
-        for (SECTION* section : slots)
-            if (section != nullptr) out.push_back(section);
+    for (uint32_t file = 0; file < section_tables_.size(); ++file) {
+        const unsigned count = section_tables_[file] ? section_tables_[file]->scnnum() : 0;
+        for (unsigned id = 0; id < count; ++id)
+            if (SECTION* section = lookup_section(file, id)) out.push_back(section);
+    }
 }
 
 // ---- symbol objects ------------------------------------------------------------------------

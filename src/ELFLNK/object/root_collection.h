@@ -1,8 +1,9 @@
 // The root of the tree, with the indexes of the link: input sections and symbol objects by file
 // and number, output sections by id and name, and the reverse map of output sections.
 //
-// Lookups by section are O(1): one slot per section of a file. All walks go in the order of file
-// number and index, so nothing depends on where objects lie in memory.
+// Each section of the object file layer knows its linker object, so that lookups by section are
+// O(1). All walks go in the order of file number and index, so nothing depends on where objects lie
+// in memory.
 #pragma once
 
 #include <map>
@@ -16,6 +17,7 @@
 #include "ELFLNK/object/collection.h"
 
 namespace OFE {
+class OF_SECTION_TABLE;
 class OF_SYMBOL;
 } // namespace OFE
 class REFERENCE_GRAPH;
@@ -114,7 +116,7 @@ class ROOT_COLLECTION : public COLLECTION {
     void index_outsect_name(LINKER_OBJECT* obj);
     void unindex_outsect_name(LINKER_OBJECT* obj);
 
-    std::vector<std::vector<SECTION*>> sections_; // by file number, then section index
+    std::vector<const OFE::OF_SECTION_TABLE*> section_tables_; // by file number; null: none taken
     std::size_t section_count_ = 0;
     bool objects_registered_ = false;
     std::unique_ptr<REFERENCE_GRAPH> reference_graph_;

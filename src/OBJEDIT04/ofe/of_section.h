@@ -117,6 +117,10 @@ class OF_SECTION : public OF_STATE_MACHINE {
     virtual int save() = 0;
     virtual void generate_text_info(TEXT_TABLE& table); // its row of the table of sections
 
+    // What the user of this layer keeps for the section; null at first.
+    void* client() const { return client_; }
+    void set_client(void* client) { client_ = client; }
+
     // What static base-relative references to this section count from; set by the linker.
     OF_SYMBOL* static_base_symbol() const { return static_base_; }
     void set_static_base_symbol(OF_SYMBOL* s) { static_base_ = s; }
@@ -136,6 +140,7 @@ class OF_SECTION : public OF_STATE_MACHINE {
     OF_SYMBOL* symbol_ = nullptr;
     OF_GROUP_TABLE* group_ = nullptr;
     OF_SYMBOL* static_base_ = nullptr;
+    void* client_ = nullptr;
 };
 
 } // namespace OFE
