@@ -66,6 +66,11 @@ void REGISTRAR::register_objects() {
 
 // ---- what a relocation leads to
 
+uint32_t REGISTRAR::FILE_STATE::name_id(unsigned sym_id) const {
+    const unsigned at = sym_id - first_global; // of a local symbol: beyond all
+    return at < name_count ? name_ids[at] : NAME_TABLE::NO_NAME;
+}
+
 REGISTRAR::TARGET_REF REGISTRAR::target_of_symbol(OF_SYMBOL* sym) {
     TARGET_REF target;
     target.is_known = true;
@@ -79,7 +84,7 @@ REGISTRAR::TARGET_REF REGISTRAR::target_of_symbol(OF_SYMBOL* sym) {
 }
 
 const REGISTRAR::TARGET_REF& REGISTRAR::target_of(FILE_STATE& file, unsigned sym_id) {
-    const uint32_t name = file.names ? file.names->name_id(sym_id) : NAME_TABLE::NO_NAME;
+    const uint32_t name = file.name_id(sym_id);
     if (name == NAME_TABLE::NO_NAME) return local_target_of(file, sym_id);
     // A definition that lost stands in the chain of the name's winner like every reference. Only
     // what a mapped name leads to depends on the file.
@@ -134,7 +139,7 @@ bool REGISTRAR::changes_nothing(FILE_STATE& file, unsigned sym_id, bool is_debug
         return bits & (PROGDATA | ABSENT) ? NOT_KEPT_BY_DEBUG : 0;
     };
     const uint8_t enough = is_debug ? LEADS_TO_REGISTERED | NOT_KEPT_BY_DEBUG : LEADS_TO_REGISTERED;
-    const uint32_t name = file.names ? file.names->name_id(sym_id) : NAME_TABLE::NO_NAME;
+    const uint32_t name = file.name_id(sym_id);
     if (name != NAME_TABLE::NO_NAME) {
         uint8_t& bits = name_bits_[name];
         if (bits & enough) return true;
@@ -150,19 +155,36 @@ bool REGISTRAR::changes_nothing(FILE_STATE& file, unsigned sym_id, bool is_debug
 // A relocation that stays in the output will ask the file for this symbol: it has to know its
 // definition by then.
 void REGISTRAR::make_symbol(FILE_STATE& file, unsigned sym_id) {
-    if (!file.names || file.symbols->loaded_symbol(sym_id)) return;
-    if (file.names->name_id(sym_id) == NAME_TABLE::NO_NAME) return;
+    if (file.symbols->loaded_symbol(sym_id)) return;
+    if (file.name_id(sym_id) == NAME_TABLE::NO_NAME) return;
     OF_SYMBOL* target = resolve_symbol(file.object, sym_id);
     OF_SYMBOL* sym = file.symbols->symbol(sym_id);
     if (!sym || sym == target) return;
-    sym->set_global_id(file.names->name_id(sym_id) + 1);
+    sym->set_global_id(file.name_id(sym_id) + 1);
     if (target) sym->set_resolved_by(target);
 }
 
 // ---- the closure
 
+// The sections on the list lie anywhere in memory: what the walk is about to read is asked for a
+// few sections before. (Not in a function of its own: it would count as one without effect.)
 void REGISTRAR::register_referenced_objects() {
-    for (; next_work_ < work_.size(); ++next_work_) walk_section(WORK(work_[next_work_]));
+    constexpr size_t NEAR = 4, FAR = 8, FARTHEST = 16;
+    for (; next_work_ < work_.size(); ++next_work_) {
+        if (next_work_ + FARTHEST < work_.size()) {
+            const FILE_STATE* farthest = work_[next_work_ + FARTHEST].file;
+            __builtin_prefetch(farthest);
+            __builtin_prefetch(&farthest->symbols);
+            const WORK& far = work_[next_work_ + FAR];
+            __builtin_prefetch(far.file->bits.data() + far.section_id);
+            __builtin_prefetch(far.file->relocs.data() + far.section_id);
+            __builtin_prefetch(far.file->name_ids);
+            const WORK& near = work_[next_work_ + NEAR];
+            if (near.section_id < near.file->relocs.size())
+                __builtin_prefetch(near.file->relocs[near.section_id].data);
+        }
+        walk_section(WORK(work_[next_work_]));
+    }
 }
 
 void REGISTRAR::walk_section(const WORK& work) {
@@ -399,7 +421,7 @@ void REGISTRAR::register_sh_link_dependences() {
 // ---- what is wrong with a reference
 
 void REGISTRAR::report_mapped_symbol(FILE_STATE& file, unsigned sym_id) {
-    const uint32_t name = file.names ? file.names->name_id(sym_id) : NAME_TABLE::NO_NAME;
+    const uint32_t name = file.name_id(sym_id);
     if (name == NAME_TABLE::NO_NAME || global_symbols.mapped_id(name) == name) return;
     OF_RAW_SYMBOL raw;
     if (!file.symbols->raw_symbol(sym_id, raw)) return;

@@ -18,7 +18,6 @@
 class ABI;
 class LINKER_OBJECT;
 class OBJ_FILE;
-struct FILE_SYMBOLS;
 namespace OFE {
 class OBJECT_FILE;
 class OF_SECTION_TABLE;
@@ -87,19 +86,33 @@ class REGISTRAR {
     };
     /// What the references to a name have come to: the same answer needs no second look.
     enum NAME_BITS : uint8_t { LEADS_TO_REGISTERED = 1, NOT_KEPT_BY_DEBUG = 2 };
+    /// The relocations of a section as they lie in the mapped file, found once while its headers
+    /// are at hand: the walk comes to sections in no order of their places.
+    struct RELOC_SPAN {
+        enum KIND : uint8_t { NONE, REL, RELA, OTHER }; ///< OTHER: more tables, or not in place
+        const uint8_t* data = nullptr;
+        unsigned count = 0;
+        KIND kind = NONE;
+    };
     struct FILE_STATE {
-        OBJ_FILE* file = nullptr;
-        OFE::OBJECT_FILE* object = nullptr;
-        OFE::OF_SECTION_TABLE* sections = nullptr;
+        std::vector<uint16_t> bits;     ///< SECTION_BITS by section id
+        std::vector<RELOC_SPAN> relocs; ///< by section id; empty for a file that isn't walked
+        /// By local symbol: its section, 0 where not known yet.
+        std::vector<unsigned> local_sections;
+        const uint32_t* name_ids = nullptr; ///< of FILE_SYMBOLS, from first_global on
+        unsigned first_global = 0;
+        unsigned name_count = 0;
         OFE::OF_SYMBOL_TABLE* symbols = nullptr;
-        const FILE_SYMBOLS* names = nullptr;
+        OFE::OF_SECTION_TABLE* sections = nullptr;
         const bool* takes_symbol = nullptr; ///< by machine relocation number, 256 of them
+        unsigned id = 0;                    ///< of the object file
+        bool is_big = false;                ///< byte order
         bool is_linked = false;             ///< a static linking object
         bool is_executable = false;
         bool has_debug_data = false;
-        std::vector<uint16_t> bits; ///< SECTION_BITS by section id
-        std::vector<unsigned>
-            local_sections; ///< by local symbol: its section, 0 where not known yet
+        OBJ_FILE* file = nullptr;
+        OFE::OBJECT_FILE* object = nullptr;
+        uint32_t name_id(unsigned sym_id) const;
     };
     /// What a relocation leads to: a section of a file, or a symbol without one.
     struct TARGET_REF {
@@ -148,8 +161,11 @@ class REGISTRAR {
     void add_metadata_deps(FILE_STATE& file, const OFE::OF_RAW_SECTION& section);
 
     // Relocations.
+    RELOC_SPAN find_relocs(const FILE_STATE& file, unsigned section_id) const;
     template <class VISIT>
-    void for_each_symbol_reloc(FILE_STATE& file, unsigned section_id, VISIT visit);
+    static void visit_relocs(const FILE_STATE& file, const OFE::OF_RAW_RELOCS& relocs, VISIT visit);
+    template <class VISIT>
+    static void for_each_symbol_reloc(const FILE_STATE& file, unsigned section_id, VISIT visit);
     const TARGET_REF& target_of(FILE_STATE& file, unsigned sym_id);
     const TARGET_REF& local_target_of(FILE_STATE& file, unsigned sym_id);
     unsigned local_section(FILE_STATE& file, unsigned sym_id);

@@ -31,6 +31,9 @@ void REGISTRAR::prepare_files() {
         FILE_STATE& state = state_of(file->object_file());
         order_.push_back(&state);
         classify_sections(state);
+        state.relocs.resize(state.bits.size());
+        for (unsigned id = 1; id < state.bits.size(); ++id)
+            state.relocs[id] = find_relocs(state, id);
     }
 }
 
@@ -44,7 +47,13 @@ REGISTRAR::FILE_STATE& REGISTRAR::state_of(OFE::OBJECT_FILE* object) {
     state.file = file_manager.lookup_OF_FILE(object);
     state.sections = object->section_table();
     state.symbols = object->symbol_table();
-    state.names = find_file_symbols(object);
+    state.id = id;
+    state.is_big = object->machine_endian() == OFE::OF_ENDIAN_BIG;
+    if (const FILE_SYMBOLS* names = find_file_symbols(object)) {
+        state.name_ids = names->name_ids.data();
+        state.name_count = static_cast<unsigned>(names->name_ids.size());
+        state.first_global = names->first_global;
+    }
     state.takes_symbol = relocs_that_take_symbols(object);
     state.is_linked = state.file && state.file != file_manager.output_file() &&
                       state.file->is_static_linking_object();
@@ -66,8 +75,21 @@ const bool* REGISTRAR::relocs_that_take_symbols(OFE::OBJECT_FILE* object) {
     return reloc_kinds_.back().second.get();
 }
 
+// One table in place, which counts in the symbols of the file, is what there is as a rule.
+REGISTRAR::RELOC_SPAN REGISTRAR::find_relocs(const FILE_STATE& file, unsigned section_id) const {
+    const unsigned tables = file.sections->raw_reloc_table_num(section_id);
+    if (tables == 0) return {};
+    const OFE::OF_RAW_RELOCS relocs = file.sections->raw_relocs(section_id, 0);
+    const bool is_plain =
+        tables == 1 && file.symbols && relocs.symbols() == file.symbols &&
+        !file.sections->loaded_section(relocs.table_section()) &&
+        relocs.entry_size() == (relocs.rela() ? OFE::ELF_RELASIZE : OFE::ELF_RELSIZE);
+    if (!is_plain) return {nullptr, 0, RELOC_SPAN::OTHER};
+    return {relocs.data(), relocs.size(), relocs.rela() ? RELOC_SPAN::RELA : RELOC_SPAN::REL};
+}
+
 REGISTRAR::KEY REGISTRAR::key_of(const FILE_STATE& file, unsigned section_id) {
-    return KEY{file.object->file_id()} << 32 | section_id;
+    return KEY{file.id} << 32 | section_id;
 }
 
 REGISTRAR::KEY REGISTRAR::key_of(const OF_SYMBOL* sym) {

@@ -204,9 +204,12 @@ unsigned ELF_SYMBOL_TABLE::first_global() const {
     return info < symnum_ ? info : symnum_;
 }
 
-// What was read and never changed is told by its strings.
+// What was read is told by its strings; only an object can have another name than the file says.
 bool ELF_SYMBOL_TABLE::may_have_name(const char* name) const {
-    if (!names_ || changed_) return symnum_ != 0;
+    if (!names_) return symnum_ != 0;
+    if (changed_)
+        for (OF_SYMBOL* s : symbols_)
+            if (s && std::strcmp(s->name(), name) == 0) return true;
     return memmem(names_, names_limit_, name, std::strlen(name) + 1) != nullptr;
 }
 

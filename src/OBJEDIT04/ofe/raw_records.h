@@ -61,6 +61,8 @@ class OF_RAW_RELOCS {
           symbols_(symbols) {}
 
     unsigned size() const { return count_; }
+    const uint8_t* data() const { return data_; }
+    unsigned entry_size() const { return entsize_; }
     bool rela() const { return rela_; }
     unsigned table_section() const { return table_section_; } // id of the relocation section
     OF_SYMBOL_TABLE* symbols() const {
