@@ -7,7 +7,6 @@
 
 #include "ELFLNK/file/obj_file.h"
 #include "ELFLNK/symbol/name_table.h"
-#include "OBJEDIT04/elf/elf_types.h"
 #include "OBJEDIT04/ofe/object_file.h"
 #include "OBJEDIT04/ofe/of_group_table.h"
 #include "OBJEDIT04/ofe/of_section.h"
@@ -47,11 +46,8 @@ void process_group(OFE::OF_SECTION_TABLE* sections, OFE::OF_GROUP_TABLE* group) 
 
 void process_comdat_groups(OBJ_FILE* file) {
     OFE::OF_SECTION_TABLE* sections = file->object_file()->section_table();
-    const unsigned count = sections->scnnum();
-    OFE::OF_RAW_SECTION raw;
-    for (unsigned id = 1; id < count; ++id) {
-        if (!sections->raw_section(id, raw) || raw.deleted || raw.type != OFE::SHT_GROUP) continue;
-        OFE::OF_SECTION* section = sections->section(id);
+    for (unsigned id : sections->group_sections()) {
+        OFE::OF_SECTION* section = sections->is_deleted(id) ? nullptr : sections->section(id);
         OFE::OF_GROUP_TABLE* group = section ? section->group_api() : nullptr;
         if (group && group->comdat_flag()) process_group(sections, group);
     }

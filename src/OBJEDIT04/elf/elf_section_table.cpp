@@ -43,6 +43,7 @@ void ELF_SECTION_TABLE::clear_data() {
     reloc_first_.clear();
     reloc_list_.clear();
     group_of_.clear();
+    raw_groups_.clear();
 }
 
 int ELF_SECTION_TABLE::clear() {
@@ -155,6 +156,7 @@ int ELF_SECTION_TABLE::check_headers() {
         raw_header(i, h);
         const char* fault = nullptr;
         if (h.sh_type == SHT_NULL) continue;
+        if (h.sh_type == SHT_GROUP && i != 0) raw_groups_.push_back(i);
         if (names_ && h.sh_name >= names_limit_)
             fault = "its name is outside of the string table";
         else if (h.sh_type != SHT_NOBITS && h.sh_size && !file->in_image(h.sh_offset, h.sh_size))
@@ -373,12 +375,21 @@ OF_RAW_RELOCS ELF_SECTION_TABLE::raw_relocs(unsigned section_id, unsigned table)
     return {data, static_cast<unsigned>(size / entsize), entsize, rela, big, id, symbols};
 }
 
+// Those of the file as read were noted when its headers were checked; once all sections are objects
+// they may have moved.
+std::vector<unsigned> ELF_SECTION_TABLE::group_sections() const {
+    std::vector<unsigned> groups;
+    if (!all_loaded_) groups = raw_groups_;
+    for (unsigned i = all_loaded_ || raw_count_ == 0 ? 1 : raw_count_; i < scnnum(); ++i)
+        if (header_word(i, offsetof(Elf32_Shdr, sh_type)) == SHT_GROUP) groups.push_back(i);
+    return groups;
+}
+
 int ELF_SECTION_TABLE::resolve_group_refs() {
     if (groups_resolved_) return 0;
     groups_resolved_ = true;
-    Elf32_Shdr h;
-    for (unsigned i = 1; i < scnnum(); ++i) {
-        if (!raw_header(i, h) || h.sh_type != SHT_GROUP || is_deleted(i)) continue;
+    for (unsigned i : group_sections()) {
+        if (is_deleted(i)) continue;
         ELF_GROUP_TABLE* group = elf_section(i)->group_table_api();
         if (group_of_.empty()) group_of_.assign(scnnum(), nullptr);
         for (unsigned m = 0; m < group->member_num(); ++m) {

@@ -49,6 +49,7 @@ class ELF_SECTION_TABLE final : public OF_SECTION_TABLE {
     int load(unsigned offset, unsigned entsize, unsigned count) override;
     int patch_section_refs() override;
     int resolve_group_refs() override;
+    std::vector<unsigned> group_sections() const override;
 
     bool raw_section(unsigned id, OF_RAW_SECTION& out) override;
     bool has_ext_flags() override;
@@ -113,6 +114,7 @@ class ELF_SECTION_TABLE final : public OF_SECTION_TABLE {
     std::vector<unsigned> reloc_first_;     // section id to its range in reloc_list_; beyond: none
     std::vector<unsigned> reloc_list_;      // relocation section ids
     std::vector<OF_GROUP_TABLE*> group_of_; // empty: no groups
+    std::vector<unsigned> raw_groups_;      // sections of the file as read that describe groups
 };
 
 } // namespace OFE

@@ -41,6 +41,8 @@ class OF_SECTION_TABLE : public OF_STATE_MACHINE {
     virtual int update_translations(const RECORD_MAP<unsigned>& map);
     virtual int patch_section_refs();
     virtual int resolve_group_refs() = 0;
+    // The sections that describe groups, ascending; a deleted one may be among them.
+    virtual std::vector<unsigned> group_sections() const = 0;
     const RECORD_MAP<unsigned>& translations() const { return translations_; }
 
     void save_text(FHM_FILE* to);
