@@ -228,6 +228,18 @@ void REGISTRAR::register_a_reference(const WORK& from, bool is_debug, const OF_R
     if (target.kind == OFE::OF_SYM_KIND_UNDEFINED && target.sym)
         register_import_reference(target.sym);
     register_target(referrer_of(from, reloc), target);
+    note_symbol_object(file, reloc.sym_id, target);
+}
+
+// A name of an absolute symbol or common block has its object now, or will never have one.
+void REGISTRAR::note_symbol_object(const FILE_STATE& file, unsigned sym_id,
+                                   const TARGET_REF& target) {
+    if (target.has_section() ||
+        (target.kind != OFE::OF_SYM_KIND_ABSOLUTE && target.kind != OFE::OF_SYM_KIND_COMMON))
+        return;
+    const uint32_t name = file.name_id(sym_id);
+    if (name != NAME_TABLE::NO_NAME && global_symbols.mapped_id(name) == name)
+        name_bits_[name] |= LEADS_TO_REGISTERED;
 }
 
 // What the convention makes of single relocations.

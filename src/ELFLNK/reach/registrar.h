@@ -184,6 +184,7 @@ class REGISTRAR {
     void register_any_section(const REFERRER& from, FILE_STATE& file, unsigned section_id);
     void push_group_members(FILE_STATE& file, unsigned section_id);
     void register_symbol_object(const REFERRER& from, OFE::OF_SYMBOL* sym, OFE::OF_SYM_KIND kind);
+    void note_symbol_object(const FILE_STATE& file, unsigned sym_id, const TARGET_REF& target);
     void register_variants(const WORK& work);
     void process_reloc_attrs(const WORK& work);
     void register_import_reference(OFE::OF_SYMBOL* sym);
