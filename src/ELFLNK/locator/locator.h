@@ -277,7 +277,6 @@ class LOCATOR : public OALLOC<LOCATOR> {
     static bool node_priority_less(const LOCATOR* a, const LOCATOR* b) {
         return a->priority() < b->priority();
     }
-    static bool locator_debug_frame_align_greater(const LOCATOR* a, const LOCATOR* b);
 
     // ---- layout of collections --------------------------------------------------------------
 

@@ -162,6 +162,7 @@ void erase_all(LOCATOR_SET& set, const LOCATOR_LIST& items, VISIT visit) {
 
 void MEMORY_RANGE::remove_items(const LOCATOR_LIST& items) {
     visited_valid_ = false;
+    order_entered();
     erase_all(contents_, items, [this](LOCATOR* item) {
         if (item->has_flag(LF_TRAMP_RES)) --reserved_trampolines_;
     });
@@ -177,6 +178,7 @@ void MEMORY_RANGE::remove_items(const LOCATOR_LIST& items) {
 }
 
 bool MEMORY_RANGE::follows_directly(LOCATOR* second, LOCATOR* first) const {
+    order_entered();
     if (!visited_valid_ || *visited_ != first) {
         visited_ = contents_.find(first);
         visited_valid_ = visited_ != contents_.end();
@@ -190,6 +192,7 @@ bool MEMORY_RANGE::follows_directly(LOCATOR* second, LOCATOR* first) const {
 
 void MEMORY_RANGE::clear_contents() {
     visited_valid_ = false;
+    entered_.clear();
     if (!contents_.empty()) contents_.clear();
     if (!leaf_contents_.empty()) leaf_contents_.clear();
     reserved_trampolines_ = 0;
@@ -210,7 +213,7 @@ LOCATOR* first_holding(const LOCATOR_SET& set, uint64_t address) {
 } // namespace
 
 LOCATOR* MEMORY_RANGE::locator_for_address(uint64_t address) const {
-    return holds(address) ? first_holding(contents_, address) : nullptr;
+    return holds(address) ? first_holding(contents(), address) : nullptr;
 }
 
 LOCATOR* MEMORY_RANGE::leaf_locator_for_address(uint64_t address) const {
@@ -225,29 +228,41 @@ void MEMORY_RANGE::forget_holes() const {
 }
 
 void MEMORY_RANGE::enter(LOCATOR* locator) {
-    std::size_t before = contents_.size();
-    insert_ordered(contents_, locator);
-    if (contents_.size() == before) return;
+    const uint64_t start = locator->address();
+    const uint64_t end = locator->end_address();
+    if (holes_valid_ && !overlapped_ && start < end && holes_->occupy(start, end)) {
+        covered_ += end - start;
+        lowest_entered_ = entered_.empty() ? start : std::min(lowest_entered_, start);
+        entered_.push_back(locator);
+    } else {
+        order_entered();
+        const std::size_t before = contents_.size();
+        insert_ordered(contents_, locator);
+        if (contents_.size() == before) return;
+        if (holes_valid_ && !overlapped_ && start >= end) {
+            holes_->cut(start);
+        } else if (holes_valid_) {
+            overlapped_ = true;
+            forget_holes();
+        }
+    }
     if (locator->has_flag(LF_TRAMP_RES)) ++reserved_trampolines_;
-    if (!holes_valid_) return;
-    if (overlapped_)
-        forget_holes();
-    else
-        take_from_holes(locator->address(), locator->end_address());
 }
 
-void MEMORY_RANGE::take_from_holes(uint64_t start, uint64_t end) const {
-    if (start >= end) {
-        holes_->cut(start);
-    } else if (holes_->occupy(start, end)) {
-        covered_ += end - start;
-    } else {
-        overlapped_ = true;
-        forget_holes();
-    }
+void MEMORY_RANGE::order_entered() const {
+    LOCATOR::sort_by_address(entered_);
+    for (LOCATOR* locator : entered_) insert_ordered(contents_, locator);
+    entered_.clear();
+}
+
+uint64_t MEMORY_RANGE::lowest_address() const {
+    if (contents_.empty()) return lowest_entered_;
+    const uint64_t lowest = (*contents_.begin())->address();
+    return entered_.empty() ? lowest : std::min(lowest, lowest_entered_);
 }
 
 void MEMORY_RANGE::leave(LOCATOR* locator) {
+    order_entered();
     auto at = contents_.find(locator);
     if (at == contents_.end()) return;
     visited_valid_ = false;
@@ -272,7 +287,7 @@ void MEMORY_RANGE::leave(LOCATOR* locator) {
 }
 
 bool MEMORY_RANGE::starts_item(uint64_t address) const {
-    auto at = contents_.lower_bound(address);
+    auto at = contents().lower_bound(address);
     return at != contents_.end() && (*at)->address() == address;
 }
 
@@ -280,6 +295,7 @@ bool MEMORY_RANGE::starts_item(uint64_t address) const {
 /// do, a cursor over the contents makes it anew when it is asked for.
 const HOLE_INDEX& MEMORY_RANGE::holes() const {
     if (holes_valid_) return *holes_;
+    order_entered();
     if (holes_ == nullptr)
         holes_ = std::make_unique<HOLE_INDEX>();
     else
@@ -308,7 +324,7 @@ const HOLE_INDEX& MEMORY_RANGE::holes() const {
 uint64_t MEMORY_RANGE::unused_by_walk() const {
     uint64_t free = 0;
     uint64_t cursor = origin_;
-    for (const LOCATOR* item : contents_) {
+    for (const LOCATOR* item : contents()) {
         if (item->address() > cursor) free += item->address() - cursor;
         cursor = std::max(cursor, item->end_address());
     }
@@ -316,8 +332,8 @@ uint64_t MEMORY_RANGE::unused_by_walk() const {
 }
 
 uint64_t MEMORY_RANGE::unused() const {
-    if (contents_.empty()) return length_;
-    if ((*contents_.begin())->address() < origin_) return unused_by_walk();
+    if (is_empty()) return length_;
+    if (lowest_address() < origin_) return unused_by_walk();
     const uint64_t behind = std::max(end(), holes().tail());
     return behind - origin_ - covered_;
 }
@@ -336,13 +352,13 @@ void MEMORY_RANGE::unreserve() {
 
 bool MEMORY_RANGE::first_hole(uint64_t from, uint64_t to, uint64_t size, uint64_t align,
                               HOLE* out) const {
-    if (!contents_.empty()) return holes().first_fit(from, to, size, align, out);
+    if (!is_empty()) return holes().first_fit(from, to, size, align, out);
     *out = {from, to};
     return from < to && usable_length(from, to, align) >= std::max<uint64_t>(size, 1);
 }
 
 bool MEMORY_RANGE::last_hole(uint64_t from, uint64_t to, uint64_t size, HOLE* out) const {
-    if (!contents_.empty()) return holes().last_fit(from, to, size, out);
+    if (!is_empty()) return holes().last_fit(from, to, size, out);
     *out = {from, to};
     return from < to && to - from >= std::max<uint64_t>(size, 1);
 }

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <memory>
 #include <set>
+#include <vector>
 
 #include "DIAG/source_position.h"
 #include "ELFLNK/memmap/hole_index.h"
@@ -102,7 +103,11 @@ class MEMORY_RANGE {
 
     // ---- contents --------------------------------------------------------------------------
     /// Top level locators by address; walked backwards for a HIGH placement.
-    const LOCATOR_SET& contents() const { return contents_; }
+    const LOCATOR_SET& contents() const {
+        if (!entered_.empty()) order_entered();
+        return contents_;
+    }
+    bool is_empty() const { return contents_.empty() && entered_.empty(); }
     /// Locators of all objects without further sub-items; kept for root ranges only.
     const LOCATOR_SET& leaf_contents() const { return leaf_contents_; }
     void add_item(LOCATOR* locator, bool is_subitem = false);
@@ -141,9 +146,10 @@ class MEMORY_RANGE {
 
   private:
     void enter(LOCATOR* locator);
+    void order_entered() const;
+    uint64_t lowest_address() const;
     void leave(LOCATOR* locator);
     bool starts_item(uint64_t address) const;
-    void take_from_holes(uint64_t start, uint64_t end) const;
     void forget_holes() const;
     const HOLE_INDEX& holes() const;
     uint64_t unused_by_walk() const;
@@ -166,14 +172,18 @@ class MEMORY_RANGE {
     int cregister_ = -1;
     ECC_SPECIFICATION* ecc_spec_ = nullptr;
     MEMORY_RANGE* parent_ = nullptr;
-    LOCATOR_SET contents_;
+    mutable LOCATOR_SET contents_;
+    // Entered in free space, and not yet in the contents: most trials are given up or committed
+    // without anybody having asked for those, and the holes tell what there is to know.
+    mutable std::vector<LOCATOR*> entered_;
+    mutable uint64_t lowest_entered_ = 0;
     LOCATOR_SET leaf_contents_;
     mutable LOCATOR_SET::const_iterator visited_; // where follows_directly() was last
     mutable bool visited_valid_ = false;
     unsigned reserved_trampolines_ = 0;
 
-    // Derived from contents_: the holes, and the space that items cover. Made when first asked for.
-    // While no two items overlap they follow each change; afterwards each change drops them.
+    // Derived from the contents: the holes, and the space that items cover. Made when first asked
+    // for. While no two items overlap they follow each change; afterwards each change drops them.
     mutable std::unique_ptr<HOLE_INDEX> holes_;
     mutable uint64_t covered_ = 0;
     mutable bool holes_valid_ = false;

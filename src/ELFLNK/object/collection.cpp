@@ -15,6 +15,7 @@
 #include "ELFLNK/object/section.h"
 #include "ELFLNK/object/section_spec.h"
 #include "ELFLNK/object/space.h"
+#include "UTIL/prefetch.h"
 #include "UTIL/savestr.h"
 
 COLLECTION::COLLECTION(const char* name, COLLECTION_KIND kind, const SOURCE_POSITION* pos)
@@ -127,16 +128,27 @@ void COLLECTION::transfer_sspec_members(SECTION_SPEC* spec, MEMBER_LIST::iterato
 
 // ---- walks ---------------------------------------------------------------------------------
 
-void COLLECTION::dfs_query(std::vector<LINKER_OBJECT*>& out, const OBJECT_PREDICATE& pass) const {
-    for (LINKER_OBJECT* obj : members_) {
+bool COLLECTION::query(std::vector<LINKER_OBJECT*>& out, const OBJECT_PREDICATE& pass) const {
+    bool each_is_below_its_parent = true;
+    visit_ahead(members_, prefetch<LINKER_OBJECT>, [&](LINKER_OBJECT* obj) {
+        each_is_below_its_parent &= obj->parent_ == this;
         if (!pass || pass(obj)) out.push_back(obj);
-        if (const COLLECTION* below = as_collection(obj)) below->dfs_query(out, pass);
-    }
+        if (const COLLECTION* below = as_collection(obj))
+            each_is_below_its_parent &= below->query(out, pass);
+    });
+    return each_is_below_its_parent;
+}
+
+void COLLECTION::dfs_query(std::vector<LINKER_OBJECT*>& out, const OBJECT_PREDICATE& pass) const {
+    query(out, pass);
 }
 
 void COLLECTION::flatten(std::vector<LINKER_OBJECT*>& out, const OBJECT_PREDICATE& pass) const {
     std::vector<LINKER_OBJECT*> found;
-    dfs_query(found, pass);
+    if (query(found, pass)) {
+        out.insert(out.end(), found.begin(), found.end());
+        return;
+    }
     for (LINKER_OBJECT* obj : found) obj->set_visited(false);
     for (LINKER_OBJECT* obj : found)
         if (!obj->set_visited(true)) out.push_back(obj);

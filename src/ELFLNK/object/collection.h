@@ -163,6 +163,8 @@ class COLLECTION : public LINKER_OBJECT {
         uint64_t size = 0;
         uint64_t est = 0;
     };
+    /// dfs_query; true if each object was found below its parent, and so only once.
+    bool query(std::vector<LINKER_OBJECT*>& out, const OBJECT_PREDICATE& pass) const;
     /// A member was added: only it is missing in the sum.
     void note_added(LINKER_OBJECT* obj);
     void sum_members();

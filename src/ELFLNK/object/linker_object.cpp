@@ -269,12 +269,6 @@ bool LINKER_OBJECT::failed_to_allocate() const {
     return false;
 }
 
-bool LINKER_OBJECT::set_visited(bool on) {
-    bool old = visited_;
-    visited_ = on;
-    return old;
-}
-
 // ---- build and write -----------------------------------------------------------------------
 
 void LINKER_OBJECT::finalize_internal(OFE::OF_SECTION*, uint32_t) {}

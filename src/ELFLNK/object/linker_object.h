@@ -184,7 +184,12 @@ class LINKER_OBJECT {
     bool is_output_section() const { return is_output_section_; }
     bool is_split_container() const { return is_split_container_; }
     bool is_visited() const { return visited_; }
-    bool set_visited(bool on);
+    /// Answers what held before.
+    bool set_visited(bool on) {
+        const bool before = visited_;
+        visited_ = on;
+        return before;
+    }
     bool output_updated() const { return output_updated_; }
     void set_output_updated(bool on) { output_updated_ = on; }
     bool data_written() const { return data_written_; }

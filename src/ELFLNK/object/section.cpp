@@ -93,26 +93,31 @@ void SECTION::set_elf_scn_attributes() {
     if (has_all_attrs(PA_READONLY | PA_BOUND)) set_attr(PA_NOLOAD);
 }
 
+bool SECTION::keeps_header() const {
+    if (header_kept_ || !is_plain_input()) return header_kept_;
+    kept_size_ = section_->size();
+    kept_align_ = section_->align();
+    kept_blocked_ = section_->is_blocked();
+    return header_kept_ = true;
+}
+
 uint64_t SECTION::size() {
-    if (size_kept_) return kept_size_;
+    if (keeps_header()) return kept_size_;
     OFE::OF_SECTION* section = OF_SECTION_api();
-    const unsigned size = section != nullptr ? section->size() : 0;
-    if (is_plain_input()) {
-        kept_size_ = size;
-        size_kept_ = true;
-    }
-    return size;
+    return section != nullptr ? section->size() : 0;
 }
 
 uint32_t SECTION::alignment() const {
+    if (keeps_header()) return kept_align_;
     OFE::OF_SECTION* section = const_cast<SECTION*>(this)->OF_SECTION_api();
     return section != nullptr ? section->align() : 0;
 }
 
 uint32_t SECTION::blocking() const {
     OFE::OF_SECTION* section = const_cast<SECTION*>(this)->OF_SECTION_api();
-    if (section == nullptr || !section->is_blocked()) return 0;
-    return static_cast<uint32_t>(Target->abi()->default_block_size());
+    const bool is_blocked =
+        keeps_header() ? kept_blocked_ : section != nullptr && section->is_blocked();
+    return is_blocked ? static_cast<uint32_t>(Target->abi()->default_block_size()) : 0;
 }
 
 uint32_t SECTION::qv_flags() {

@@ -69,10 +69,14 @@ class SECTION : public LINKER_OBJECT, public OALLOC<SECTION> {
 
   private:
     void set_elf_scn_attributes();
+    /// What will not change is read from the file once.
+    bool keeps_header() const;
 
     bool relocated_ = false;
-    bool size_kept_ = false;
-    uint32_t kept_size_ = 0;
+    mutable bool header_kept_ = false;
+    mutable bool kept_blocked_ = false;
+    mutable uint32_t kept_size_ = 0;
+    mutable uint32_t kept_align_ = 0;
     uint32_t preferred_priority_ = 0;
     OBJ_FILE* file_ = nullptr;
     OFE::OF_SECTION* section_ = nullptr;

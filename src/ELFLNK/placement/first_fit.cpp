@@ -306,9 +306,10 @@ void LOCATOR::commit(MEMORY_RANGE* range) {
     commit_final();
 }
 
-/// The placement stands: the objects learn of it, members first.
+/// The placement stands: collections learn of it, members first.
 void LOCATOR::commit_final() {
-    if (more_ != nullptr) sort_by_address(more_->sub_items);
+    if (more_ == nullptr) return; // placed without ever having had sub-items: no collection
+    sort_by_address(more_->sub_items);
     for (LOCATOR* sub : sub_items()) sub->commit_final();
     object_->update_upon_placement();
 }

@@ -86,7 +86,7 @@ void LOCATOR::prune_trampolines() {
 }
 
 void LOCATOR::consolidate_trampolines(MEMORY_RANGE* range, bool final) {
-    if (!JUMP_ENT::any()) return;
+    if (range->reserved_trampolines() == 0) return;
     std::vector<LOCATOR*> reserved;
     for (LOCATOR* item : range->contents())
         if (item->has_flag(LF_TRAMP_RES)) reserved.push_back(item);

@@ -96,6 +96,7 @@ LINKER_OBJECT* LOCATOR::create_padding_object(LOCATOR* item, uint64_t size) {
 }
 
 void LOCATOR::add_pending_items_to_object() {
+    if (more_ == nullptr) return; // no sub-items either
     if (has_pending_items() && placement_state().phase == PLACEMENT_PHASE_3)
         DIAG_REPORT(elnk_pending_items_in_phase3, object_->name());
     COLLECTION* collection = as_collection(object_);

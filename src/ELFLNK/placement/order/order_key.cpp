@@ -2,7 +2,6 @@
 #include "ELFLNK/placement/order/order_key.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstring>
 
 #include "ELFLNK/memmap/memory_map.h"
@@ -191,77 +190,9 @@ int ORDER_CONTEXT::compare(const ORDER_KEY& a, const ORDER_KEY& b) const {
 
 // ---- sorting ----------------------------------------------------------------------------------
 
-/// Input sections of one parent without a wish, as an output section has them by the ten thousand.
-bool ORDER_CONTEXT::differ_in_size_and_name_only(const std::vector<ORDER_KEY>& keys) const {
-    if (alphabetical_ || by_callgraph_) return false;
-    return std::all_of(keys.begin(), keys.end(), [&first = keys.front()](const ORDER_KEY& key) {
-        return key.section_name != nullptr && key.parent == first.parent && !key.specific &&
-               !key.load && key.available == 0 && key.use_count == first.use_count &&
-               key.preferred == first.preferred;
-    });
-}
-
-namespace {
-
-/// What decides nearly always, close together in memory.
-struct SIZE_AND_NAME {
-    uint64_t size;
-    uint64_t name;  // eight bytes behind what all names begin with, the first one highest
-    uint32_t index; // of the key
-};
-
-size_t common_length(const char* a, const char* b, size_t limit) {
-    size_t n = 0;
-    while (n < limit && a[n] == b[n]) ++n;
-    return n;
-}
-
-uint64_t eight_bytes(const char* text) {
-    uint64_t bytes = 0;
-    unsigned n = 0;
-    for (; n < 8 && text[n] != '\0'; ++n) bytes = bytes << 8 | static_cast<unsigned char>(text[n]);
-    return n == 0 ? 0 : bytes << 8 * (8 - n);
-}
-
-/// Do both names have a byte where the eight bytes of theirs first differ? Behind a section name
-/// the name of its file would follow.
-bool is_decided(uint64_t a, uint64_t b) {
-    if (a == b) return false;
-    const unsigned shift = 56 - static_cast<unsigned>(std::countl_zero(a ^ b)) / 8 * 8;
-    return (a >> shift & 0xFF) != 0 && (b >> shift & 0xFF) != 0;
-}
-
-} // namespace
-
-void ORDER_CONTEXT::sort_by_size_and_name(std::vector<ORDER_KEY>& keys) const {
-    const char* first = keys.front().section_name;
-    size_t common = strlen(first);
-    for (const ORDER_KEY& key : keys) common = common_length(first, key.section_name, common);
-    std::vector<SIZE_AND_NAME> order;
-    order.reserve(keys.size());
-    for (const ORDER_KEY& key : keys)
-        order.push_back({key.size, eight_bytes(key.section_name + common),
-                         static_cast<uint32_t>(order.size())});
-    std::sort(order.begin(), order.end(), [&](const SIZE_AND_NAME& a, const SIZE_AND_NAME& b) {
-        if (a.size != b.size) return a.size > b.size;
-        if (is_decided(a.name, b.name)) return a.name < b.name;
-        const int decision = a.index == b.index ? 0 : compare(keys[a.index], keys[b.index]);
-        return decision != 0 ? decision < 0 : a.index < b.index;
-    });
-    std::vector<ORDER_KEY> sorted;
-    sorted.reserve(keys.size());
-    for (const SIZE_AND_NAME& at : order) sorted.push_back(keys[at.index]);
-    keys = std::move(sorted);
-}
-
 void ORDER_CONTEXT::sort(std::vector<ORDER_KEY>& keys) const {
-    if (keys.size() < 2) return;
-    if (differ_in_size_and_name_only(keys))
-        sort_by_size_and_name(keys);
-    else
-        std::stable_sort(keys.begin(), keys.end(), [this](const ORDER_KEY& a, const ORDER_KEY& b) {
-            return compare(a, b) < 0;
-        });
+    std::stable_sort(keys.begin(), keys.end(),
+                     [this](const ORDER_KEY& a, const ORDER_KEY& b) { return compare(a, b) < 0; });
 }
 
 int LOCATOR::locator_priority_cmp(LOCATOR* a, LOCATOR* b) {
@@ -269,16 +200,4 @@ int LOCATOR::locator_priority_cmp(LOCATOR* a, LOCATOR* b) {
     ORDER_KEY key_a = context.key_of(a);
     ORDER_KEY key_b = context.key_of(b);
     return context.compare(key_a, key_b);
-}
-
-bool LOCATOR::locator_debug_frame_align_greater(const LOCATOR* a, const LOCATOR* b) {
-    auto is_debug_frame = [](const LOCATOR* locator) {
-        const LINKER_OBJECT* object = locator->object_;
-        return object->is_section() &&
-               strncmp(static_cast<const SECTION*>(object)->original_section_name(), ".debug", 6) ==
-                   0 &&
-               strncmp(object->name(), ".debug_frame", 12) == 0;
-    };
-    return is_debug_frame(a) && is_debug_frame(b) &&
-           a->object_->alignment() > b->object_->alignment();
 }

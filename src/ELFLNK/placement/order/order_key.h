@@ -50,8 +50,6 @@ class ORDER_CONTEXT {
     int compare_members(const ORDER_KEY& a, const ORDER_KEY& b) const;
     int compare_by_callgraph(const ORDER_KEY& a, const ORDER_KEY& b) const;
     int compare_room(const ORDER_KEY& a, const ORDER_KEY& b) const;
-    bool differ_in_size_and_name_only(const std::vector<ORDER_KEY>& keys) const;
-    void sort_by_size_and_name(std::vector<ORDER_KEY>& keys) const;
 
     std::vector<MEMORY_RANGE*> ranges_;
     std::vector<uint64_t> unused_;                      // of each range, as of now

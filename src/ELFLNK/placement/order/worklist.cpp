@@ -1,16 +1,21 @@
 // See the header. Kinds of objects that have a place of their own in the order are taken out into
 // buckets; the others are sorted by the comparison and, where constraints exist, by the graph.
+// Members of an output section mostly need neither.
 //
 // A comparison sort alone gives the order where no constraints exist; the graph costs a step per
 // pair and is built only for what a comparison can't express.
 #include "ELFLNK/placement/order/worklist.h"
 
 #include <algorithm>
+#include <cstring>
+#include <string_view>
 
 #include "DIAG/elnk_msgs.h"
 #include "DIAG/source_position.h"
 #include "ELFLNK/memmap/memory_map.h"
 #include "ELFLNK/object/linker_object.h"
+#include "ELFLNK/object/section.h"
+#include "ELFLNK/placement/order/member_order.h"
 #include "ELFLNK/placement/order/priority_dag.h"
 #include "ELFLNK/placement/placement.h"
 #include "ELFLNK/target/abi.h"
@@ -144,18 +149,35 @@ void warn_of_priorities_not_honored(const LOCATOR_LIST& list) {
     }
 }
 
+bool is_debug_frame(const LOCATOR* locator) {
+    constexpr std::string_view NAME = ".debug_frame";
+    const SECTION* section = as_section(locator->object());
+    return section != nullptr &&
+           strncmp(section->original_section_name(), NAME.data(), NAME.size()) == 0;
+}
+
+bool stands_before_frame(const ORDER_KEY& a, const ORDER_KEY& b) {
+    return is_debug_frame(a.locator) && is_debug_frame(b.locator) &&
+           a.object->alignment() > b.object->alignment();
+}
+
+/// Objects without memory, of which only frames of debug data have an order.
+bool has_no_order(const LOCATOR_LIST& list) {
+    return std::ranges::all_of(list, [](const LOCATOR* locator) {
+        return bucket_of(locator) == VIRTUAL && !is_debug_frame(locator);
+    });
+}
+
 } // namespace
 
 void sort_worklist(LOCATOR_LIST& list, bool use_priorities, ORDER_WATCH* watch) {
     if (use_priorities && Target->abi()->gabi_segment_mode()) return;
+    if (!use_priorities && (has_no_order(list) || sort_by_size_and_name(list))) return;
     ORDER_CONTEXT context;
     KEYS bucket[BUCKETS];
     for (LOCATOR* locator : list) bucket[bucket_of(locator)].push_back(context.key_of(locator));
     for (BUCKET sorted : {MAIN, LAST, COPY_TABLES, EXIDX}) context.sort(bucket[sorted]);
-    std::stable_sort(bucket[VIRTUAL].begin(), bucket[VIRTUAL].end(),
-                     [](const ORDER_KEY& a, const ORDER_KEY& b) {
-                         return LOCATOR::locator_debug_frame_align_greater(a.locator, b.locator);
-                     });
+    std::stable_sort(bucket[VIRTUAL].begin(), bucket[VIRTUAL].end(), stands_before_frame);
 
     KEYS main = std::move(bucket[SPECIFIC]);
     main.insert(main.end(), bucket[MAIN].begin(), bucket[MAIN].end());
