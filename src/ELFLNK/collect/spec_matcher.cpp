@@ -11,8 +11,9 @@
 #include "ELFLNK/target/abi.h"
 #include "ELFLNK/target/target.h"
 
-SPEC_MATCHER::SPEC_MATCHER(const std::vector<SECTION_SPEC*>& specs)
-    : specs_(specs), delimiters_(Target->abi()->legal_subsection_delimiters()) {
+SPEC_MATCHER::SPEC_MATCHER(const std::vector<SECTION_SPEC*>& specs) : specs_(specs) {
+    for (const char c : std::string_view(Target->abi()->legal_subsection_delimiters()))
+        is_delimiter_.set(static_cast<unsigned char>(c));
     group_by_files();
     for (uint32_t i = 0; i < specs.size(); ++i) {
         if (specs[i]->section_filter() != nullptr)
@@ -82,9 +83,9 @@ uint32_t SPEC_MATCHER::first_of(std::string_view literal) {
 
 uint32_t SPEC_MATCHER::first_literal(std::string_view name) {
     uint32_t best = first_of(name);
-    for (std::size_t end = name.find_first_of(delimiters_); end != std::string_view::npos;
-         end = name.find_first_of(delimiters_, end + 1))
-        best = std::min(best, first_of(name.substr(0, end)));
+    for (std::size_t end = 0; end < name.size(); ++end)
+        if (is_delimiter_[static_cast<unsigned char>(name[end])])
+            best = std::min(best, first_of(name.substr(0, end)));
     return best;
 }
 

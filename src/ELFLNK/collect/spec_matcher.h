@@ -5,6 +5,7 @@
 // section list are tried one by one, and only those in front of the best literal hit.
 #pragma once
 
+#include <bitset>
 #include <cstdint>
 #include <string_view>
 #include <unordered_map>
@@ -40,7 +41,7 @@ class SPEC_MATCHER {
     uint32_t first_of(std::string_view literal);
 
     const std::vector<SECTION_SPEC*>& specs_;
-    std::string_view delimiters_;
+    std::bitset<256> is_delimiter_; // by character
     std::unordered_map<std::string_view, LITERAL> literals_;
     std::vector<uint32_t> tried_; // positions, ascending
 

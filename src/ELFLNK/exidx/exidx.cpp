@@ -112,6 +112,7 @@ class EXIDX_TABLE_BUILDER {
     void build_table_of_final_link();
     void drop_unused_pieces();
 
+    std::vector<EXIDX_SECTION*> all_pieces_;
     std::unordered_map<const OF_SECTION*, EXIDX_SECTION*> pieces_; // by the code's section
     std::unordered_set<const OF_SECTION*> told_; // code of which the user knows that it has several
 };
@@ -123,6 +124,7 @@ void EXIDX_TABLE_BUILDER::build_section_exidx_map() {
     for (SECTION* section : sections) {
         if (!section->is_exidx()) continue;
         auto* piece = static_cast<EXIDX_SECTION*>(section);
+        all_pieces_.push_back(piece);
         OF_SECTION* code = piece->link_to_OF_section();
         if (code == nullptr) {
             DIAG_REPORT(elnk_exidx_scn_missing_link, piece->name());
@@ -140,10 +142,11 @@ void EXIDX_TABLE_BUILDER::build_section_exidx_map() {
 EXIDX_TABLE* EXIDX_TABLE_BUILDER::build_exidx_table_for_collection(const COLLECTION* collection,
                                                                    const char* name) {
     std::vector<LINKER_OBJECT*> sections;
-    collection->flatten(sections, &LINKER_OBJECT::is_section);
+    collection->flatten(sections, [](const LINKER_OBJECT* object) {
+        return object->has_attr(PA_EXEC) && object->is_section() && !object->is_exidx();
+    });
     EXIDX_TABLE* table = nullptr;
     for (LINKER_OBJECT* object : sections) {
-        if (!object->has_attr(PA_EXEC) || object->is_exidx()) continue;
         auto* code = static_cast<SECTION*>(object);
         const auto at = pieces_.find(code->OF_SECTION_api());
         if (table == nullptr) table = new EXIDX_TABLE(name);
@@ -192,11 +195,8 @@ void EXIDX_TABLE_BUILDER::build_table_of_final_link() {
 
 /// What no table has taken describes nothing that is in the link.
 void EXIDX_TABLE_BUILDER::drop_unused_pieces() {
-    std::vector<SECTION*> sections;
-    root_collection->list_sections(sections);
-    for (SECTION* section : sections)
-        if (section->is_exidx() && section->parent() == nullptr)
-            root_collection->remove_section(section);
+    for (EXIDX_SECTION* piece : all_pieces_)
+        if (piece->parent() == nullptr) root_collection->remove_section(piece);
 }
 
 void EXIDX_TABLE_BUILDER::build() {

@@ -15,6 +15,7 @@
 #include "OPTIONGEN/register_option.h"
 #include "UTIL/data_map.h"
 #include "UTIL/pprint.h"
+#include "UTIL/prefetch.h"
 #include "UTIL/trace.h"
 
 using namespace OFE;
@@ -122,7 +123,8 @@ void EXIDX_TABLE::sort_entries() {
     };
     std::vector<KEY> keys;
     keys.reserve(entries_.size());
-    for (const ENTRY& entry : entries_) {
+    const auto ask = [](const ENTRY& entry) { prefetch<LINKER_OBJECT>(entry.code); };
+    visit_ahead(entries_, ask, [&keys](const ENTRY& entry) {
         if (root_collection->object_is_in_link(entry.code)) {
             keys.push_back({entry.code->run_address(), entry.code->size() != 0, entry});
         } else if (entry.piece != nullptr) {
@@ -130,7 +132,7 @@ void EXIDX_TABLE::sort_entries() {
                                  entry.piece->original_section_name());
             root_collection->remove_section(entry.piece);
         }
-    }
+    });
     std::stable_sort(keys.begin(), keys.end());
     entries_.clear();
     for (const KEY& key : keys) entries_.push_back(key.entry);

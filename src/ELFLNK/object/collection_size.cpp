@@ -9,6 +9,7 @@
 #include "ELFLNK/memmap/memory_range.h"
 #include "ELFLNK/object/collection.h"
 #include "ELFLNK/target/target.h"
+#include "UTIL/prefetch.h"
 
 uint64_t COLLECTION::size() {
     update_size();
@@ -101,8 +102,9 @@ void COLLECTION::sum_members() {
         walk.assign(members().begin(), members().end());
     }
     sum_valid_ = true;
-    for (LINKER_OBJECT* member : walk)
+    visit_ahead(walk, prefetch<LINKER_OBJECT>, [this](LINKER_OBJECT* member) {
         if (!has_attr(PA_ALLOCATED) || member->has_attr(PA_ALLOCATED)) add_to_sum(member);
+    });
     sum_valid_ = true; // a member that left while it was asked had no size to add
     unsummed_.clear();
 }

@@ -73,20 +73,22 @@ bool COLLECTION::ok_to_flatten(const LINKER_OBJECT* child) const {
 }
 
 void COLLECTION::flatten_section_specs() {
+    if (is_section_spec()) return; // it holds sections and common blocks
     if (is_output_section()) merge_consecutive_specs();
-    for (LINKER_OBJECT* member : members_)
+    std::vector<SECTION_SPEC*> specs;
+    for (LINKER_OBJECT* member : members_) {
         if (COLLECTION* below = as_collection(member)) below->flatten_section_specs();
+        if (SECTION_SPEC* spec = as_section_spec(member)) specs.push_back(spec);
+    }
+    // One that goes may leave another as the only member.
     for (bool changed = true; changed;) {
         changed = false;
-        for (auto at = members_.begin(); at != members_.end();) {
-            LINKER_OBJECT* member = *at;
-            if (!ok_to_flatten(member)) {
-                ++at;
-                continue;
-            }
-            transfer_sspec_members(static_cast<SECTION_SPEC*>(member), at);
-            at = erase_member(at);
-            delete member;
+        for (SECTION_SPEC*& spec : specs) {
+            if (spec == nullptr || !ok_to_flatten(spec)) continue;
+            transfer_sspec_members(spec, member_position(spec));
+            remove_member(spec);
+            delete spec;
+            spec = nullptr;
             changed = true;
         }
     }

@@ -2,7 +2,6 @@
 // orders between objects.
 #include "ELFLNK/object/linker_object.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "DIAG/elnk_msgs.h"
@@ -317,28 +316,4 @@ bool LINKER_OBJECT::less_than_load_address(LINKER_OBJECT* a, LINKER_OBJECT* b) {
         if (int c = compare(a->load_address(), b->load_address()); c != 0) return c < 0;
     }
     return less_than_obj_id(a, b);
-}
-
-bool LINKER_OBJECT::sort_placed_by_load_address(std::vector<LINKER_OBJECT*>& objects) {
-    struct KEY {
-        int page;
-        uint32_t id;
-        uint64_t address;
-        LINKER_OBJECT* object;
-        bool operator<(const KEY& b) const {
-            if (page != b.page) return page < b.page;
-            return address != b.address ? address < b.address : id < b.id;
-        }
-    };
-    std::vector<KEY> keys;
-    keys.reserve(objects.size());
-    for (LINKER_OBJECT* object : objects) {
-        if (!object->is_placed() || !object->has_attr(PA_ALLOCATED)) return false;
-        keys.push_back({object->load_page(), object->id(), object->load_address(), object});
-    }
-    if (std::is_sorted(keys.begin(), keys.end())) return true;
-    std::sort(keys.begin(), keys.end());
-    std::transform(keys.begin(), keys.end(), objects.begin(),
-                   [](const KEY& k) { return k.object; });
-    return true;
 }

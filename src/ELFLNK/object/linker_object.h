@@ -208,9 +208,6 @@ class LINKER_OBJECT {
     static int sort_by_load_address(LINKER_OBJECT* a, LINKER_OBJECT* b);
     static bool less_than_run_address(LINKER_OBJECT* a, LINKER_OBJECT* b);
     static bool less_than_load_address(LINKER_OBJECT* a, LINKER_OBJECT* b);
-    /// Sorts by less_than_load_address, each object's address being asked for once. Only where all
-    /// are placed and allocated; else false, and nothing is changed.
-    static bool sort_placed_by_load_address(std::vector<LINKER_OBJECT*>& objects);
     static int sort_by_id(const LINKER_OBJECT* a, const LINKER_OBJECT* b);
     static bool less_than_obj_id(const LINKER_OBJECT* a, const LINKER_OBJECT* b) {
         return a->obj_id_ < b->obj_id_;

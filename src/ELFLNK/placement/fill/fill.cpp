@@ -17,7 +17,6 @@
 #include "ELFLNK/target/target.h"
 #include "OBJEDIT04/ofe/of_section.h"
 #include "OPTIONGEN/register_option.h"
-#include "UTIL/prefetch.h"
 #include "UTIL/savestr.h"
 #include "UTIL/trace.h"
 
@@ -101,6 +100,43 @@ void inherit_fill(LINKER_OBJECT* member, FILL_SPEC* fill) {
     }
 }
 
+/// What filling asks of a member, noted while the members are walked in their old order: by their
+/// addresses they lie anywhere in memory.
+struct MEMBER {
+    LINKER_OBJECT* object;
+    uint64_t load;
+    uint64_t size; // of a section; that of others is asked for when they have been filled
+    uint32_t id;
+    int page;
+    bool is_section;
+    bool is_placed;
+
+    explicit MEMBER(LINKER_OBJECT* obj)
+        : object(obj),
+          load(obj->load_address()),
+          size(obj->is_section() ? obj->size() : 0),
+          id(obj->id()),
+          page(obj->load_page()),
+          is_section(obj->is_section()),
+          is_placed(obj->is_placed() && obj->has_attr(PA_ALLOCATED)) {}
+
+    /// LINKER_OBJECT::less_than_load_address of members that are placed.
+    bool operator<(const MEMBER& b) const {
+        if (page != b.page) return page < b.page;
+        return load != b.load ? load < b.load : id < b.id;
+    }
+};
+
+/// False if some are not placed and stand in no order of addresses.
+bool sort_by_load_address(std::vector<MEMBER>& members) {
+    const bool all_placed = std::ranges::all_of(members, &MEMBER::is_placed);
+    if (!all_placed)
+        std::ranges::sort(members, LINKER_OBJECT::less_than_load_address, &MEMBER::object);
+    else if (!std::is_sorted(members.begin(), members.end()))
+        std::sort(members.begin(), members.end());
+    return all_placed;
+}
+
 } // namespace
 
 void fill_collection(LINKER_OBJECT* obj) {
@@ -117,33 +153,38 @@ void fill_collection(LINKER_OBJECT* obj) {
                       collection->collection_kind_name(), fill->str(),
                       fill == FILL_SPEC::default_fill() ? " [default]" : "");
 
-    std::vector<LINKER_OBJECT*> members(collection->members().begin(), collection->members().end());
-    const bool all_placed =
-        locator->is_placed() && LINKER_OBJECT::sort_placed_by_load_address(members);
-    if (!all_placed)
-        std::sort(members.begin(), members.end(), LINKER_OBJECT::less_than_load_address);
+    const std::vector<LINKER_OBJECT*> walk(collection->members().begin(),
+                                           collection->members().end());
+    std::vector<MEMBER> members;
+    members.reserve(walk.size());
+    for (LINKER_OBJECT* member : walk) {
+        members.emplace_back(member);
+        inherit_fill(member, fill);
+    }
+    const bool all_placed = sort_by_load_address(members);
     std::vector<LINKER_OBJECT*> filled; // members and what fills the gaps between them, in order
     filled.reserve(members.size());
-    auto fill_gap = [&](uint64_t load_from, uint64_t run_from, uint64_t load_to) {
-        if (auto* space = fill_collection_gap(collection, load_from, run_from, load_to, fill))
+    LINKER_OBJECT* last = nullptr; // the member that reaches farthest
+    uint64_t load_cursor = obj->load_address();
+    const uint64_t load_end = load_cursor + collection->size();
+    auto fill_gap = [&](uint64_t load_to) {
+        if (load_to <= load_cursor) return;
+        const uint64_t run =
+            last != nullptr ? last->run_address() + last->size() : obj->run_address();
+        if (auto* space = fill_collection_gap(collection, load_cursor, run, load_to, fill))
             filled.push_back(space);
     };
-    uint64_t load_cursor = obj->load_address();
-    uint64_t run_cursor = obj->run_address();
-    const uint64_t load_end = load_cursor + collection->size();
-    visit_ahead(members, prefetch<LINKER_OBJECT>, [&](LINKER_OBJECT* member) {
-        const uint64_t load = member->load_address();
-        fill_gap(load_cursor, run_cursor, load);
-        filled.push_back(member);
-        inherit_fill(member, fill);
-        if (member->is_collection()) fill_collection(member);
-        const uint64_t size = member->size();
-        if (load + size <= load_cursor) return;
-        load_cursor = load + size;
-        run_cursor = member->run_address() + size;
-    });
-    fill_gap(load_cursor, run_cursor, load_end);
-    if (all_placed)
+    for (const MEMBER& member : members) {
+        fill_gap(member.load);
+        filled.push_back(member.object);
+        if (!member.is_section) fill_collection(member.object);
+        const uint64_t size = member.is_section ? member.size : member.object->size();
+        if (member.load + size <= load_cursor) continue;
+        load_cursor = member.load + size;
+        last = member.object;
+    }
+    fill_gap(load_end);
+    if (all_placed && locator->is_placed())
         collection->set_member_order(filled);
     else
         collection->sort_members(LINKER_OBJECT::less_than_load_address);

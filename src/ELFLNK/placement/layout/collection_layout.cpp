@@ -52,11 +52,11 @@ void LOCATOR::extract_subitems() {
     if (collection == nullptr || !sub_items().empty()) return;
     LOCATOR_LIST& items = edit_sub_items();
     items.reserve(collection->members().size());
-    for (LINKER_OBJECT* member : collection->members()) {
-        if (is_load() && is_split() && !member->has_attr(PA_HAS_DATA)) continue;
+    visit_ahead(collection->members(), prefetch<LINKER_OBJECT>, [&](LINKER_OBJECT* member) {
+        if (is_load() && is_split() && !member->has_attr(PA_HAS_DATA)) return;
         LOCATOR* sub = locator_of_kind(member, kind_);
         bool no_memory = takes_no_memory_of(member, object_);
-        if (sub == nullptr && is_load() && no_memory) continue; // loaded where it runs
+        if (sub == nullptr && is_load() && no_memory) return; // loaded where it runs
         if (sub == nullptr) {
             sub = new LOCATOR(kind_, member);
             member->add_locator(sub);
@@ -71,7 +71,7 @@ void LOCATOR::extract_subitems() {
         if (no_memory) sub->set_flag(LF_VIRTUAL);
         sub->analyze();
         items.push_back(sub);
-    }
+    });
 }
 
 void LOCATOR::sort_subitems() {
