@@ -26,11 +26,18 @@ namespace {
 
 unsigned generated_segments = 0;
 
+/// There are none within output sections, which hold nearly all objects.
+void list_load_segments(const COLLECTION* above, std::vector<LOAD_SEGMENT*>& segments) {
+    for (LINKER_OBJECT* member : above->members()) {
+        if (member->is_load_segment()) segments.push_back(static_cast<LOAD_SEGMENT*>(member));
+        const COLLECTION* below = as_collection(member);
+        if (below != nullptr && !below->is_output_section()) list_load_segments(below, segments);
+    }
+}
+
 std::vector<LOAD_SEGMENT*> load_segments() {
-    std::vector<LINKER_OBJECT*> found;
-    root_collection->flatten(found, [](const LINKER_OBJECT* o) { return o->is_load_segment(); });
     std::vector<LOAD_SEGMENT*> segments;
-    for (LINKER_OBJECT* object : found) segments.push_back(static_cast<LOAD_SEGMENT*>(object));
+    list_load_segments(root_collection, segments);
     return segments;
 }
 

@@ -20,6 +20,14 @@ ROOT_COLLECTION::~ROOT_COLLECTION() = default;
 
 // ---- input sections ------------------------------------------------------------------------
 
+namespace {
+
+uint64_t place_of(uint32_t file, uint32_t section) {
+    return uint64_t{file} << 32 | section;
+}
+
+} // namespace
+
 void ROOT_COLLECTION::add_section(SECTION* section) {
     OFE::OF_SECTION* input = section->OF_SECTION_api();
     if (input == nullptr) return;
@@ -28,6 +36,7 @@ void ROOT_COLLECTION::add_section(SECTION* section) {
     section_tables_[file] = input->section_table();
     if (input->client() == nullptr) ++section_count_;
     input->set_client(section);
+    note_change_at(input);
 }
 
 void ROOT_COLLECTION::remove_section(SECTION* section) {
@@ -35,6 +44,7 @@ void ROOT_COLLECTION::remove_section(SECTION* section) {
     if (input == nullptr || lookup_OF_SECTION(input) != section) return;
     input->set_client(nullptr);
     --section_count_;
+    note_change_at(input);
 }
 
 SECTION* ROOT_COLLECTION::lookup_section(uint32_t file_id, uint32_t section_id) const {
@@ -46,13 +56,52 @@ SECTION* ROOT_COLLECTION::lookup_OF_SECTION(const OFE::OF_SECTION* section) cons
     return section == nullptr ? nullptr : static_cast<SECTION*>(section->client());
 }
 
-void ROOT_COLLECTION::list_sections(std::vector<SECTION*>& out) const {
-    out.reserve(out.size() + section_count_);
+void ROOT_COLLECTION::note_change_at(const OFE::OF_SECTION* input) {
+    if (list_is_made_) changed_places_.push_back(place_of(input->ofile()->file_id(), input->id()));
+}
+
+void ROOT_COLLECTION::make_list() const {
+    listed_.reserve(section_count_);
     for (uint32_t file = 0; file < section_tables_.size(); ++file) {
         const unsigned count = section_tables_[file] ? section_tables_[file]->scnnum() : 0;
         for (unsigned id = 0; id < count; ++id)
-            if (SECTION* section = lookup_section(file, id)) out.push_back(section);
+            if (SECTION* section = lookup_section(file, id))
+                listed_.push_back({place_of(file, id), section});
     }
+    list_is_made_ = true;
+}
+
+/// Few sections come and go once there is a list: only their places are looked up again.
+void ROOT_COLLECTION::update_list() const {
+    if (changed_places_.empty()) return;
+    std::sort(changed_places_.begin(), changed_places_.end());
+    std::vector<LISTED> list;
+    list.reserve(section_count_);
+    auto change = changed_places_.begin();
+    auto look_up_below = [&](uint64_t limit) {
+        for (; change != changed_places_.end() && *change < limit; ++change) {
+            SECTION* section = lookup_section(static_cast<uint32_t>(*change >> 32),
+                                              static_cast<uint32_t>(*change));
+            const bool is_listed = !list.empty() && list.back().place == *change;
+            if (section != nullptr && !is_listed) list.push_back({*change, section});
+        }
+    };
+    for (const LISTED& entry : listed_) {
+        look_up_below(entry.place);
+        if (change == changed_places_.end() || *change != entry.place) list.push_back(entry);
+    }
+    look_up_below(~uint64_t{0});
+    listed_ = std::move(list);
+    changed_places_.clear();
+}
+
+void ROOT_COLLECTION::list_sections(std::vector<SECTION*>& out) const {
+    if (list_is_made_)
+        update_list();
+    else
+        make_list();
+    out.reserve(out.size() + listed_.size());
+    for (const LISTED& entry : listed_) out.push_back(entry.section);
 }
 
 // ---- symbol objects ------------------------------------------------------------------------

@@ -111,6 +111,9 @@ class ROOT_COLLECTION : public COLLECTION {
         output_map_[output] = obj;
     }
     void unmap_output(const OFE::OF_SECTION* output) { output_map_.erase(output); }
+    void note_change_at(const OFE::OF_SECTION* input);
+    void make_list() const;
+    void update_list() const;
     bool wants_reference_graph() const;
     void finish_reference_graph();
     void index_outsect_name(LINKER_OBJECT* obj);
@@ -118,6 +121,14 @@ class ROOT_COLLECTION : public COLLECTION {
 
     std::vector<const OFE::OF_SECTION_TABLE*> section_tables_; // by file number; null: none taken
     std::size_t section_count_ = 0;
+    // The list of all, once it has been asked for, and where it isn't up to date any more.
+    struct LISTED {
+        uint64_t place; // file number, then section index
+        SECTION* section;
+    };
+    mutable std::vector<LISTED> listed_;
+    mutable std::vector<uint64_t> changed_places_;
+    mutable bool list_is_made_ = false;
     bool objects_registered_ = false;
     std::unique_ptr<REFERENCE_GRAPH> reference_graph_;
     SECTION* root_section_ = nullptr;

@@ -17,6 +17,7 @@
 #include "ELFLNK/target/target.h"
 #include "OBJEDIT04/ofe/of_section.h"
 #include "OPTIONGEN/register_option.h"
+#include "UTIL/prefetch.h"
 #include "UTIL/savestr.h"
 #include "UTIL/trace.h"
 
@@ -157,10 +158,10 @@ void fill_collection(LINKER_OBJECT* obj) {
                                            collection->members().end());
     std::vector<MEMBER> members;
     members.reserve(walk.size());
-    for (LINKER_OBJECT* member : walk) {
+    visit_ahead(walk, prefetch<LINKER_OBJECT>, [&](LINKER_OBJECT* member) {
         members.emplace_back(member);
         inherit_fill(member, fill);
-    }
+    });
     const bool all_placed = sort_by_load_address(members);
     std::vector<LINKER_OBJECT*> filled; // members and what fills the gaps between them, in order
     filled.reserve(members.size());
