@@ -35,11 +35,9 @@ EXIDX_SECTION* as_piece(LINKER_OBJECT* object) {
     return static_cast<EXIDX_SECTION*>(object);
 }
 
-uint32_t word_at(OF_SECTION* section, unsigned offset) {
-    const OF_BYTES bytes = section->bytes();
-    if (bytes.size < WORD || offset > bytes.size - WORD) return 0;
-    const auto endian = static_cast<DATA_MAP::ENDIAN>(section->ofile()->machine_endian());
-    return static_cast<uint32_t>(DATA_MAP::load(bytes.data + offset, WORD, endian));
+/// Both words say the same wherever they stand: "cannot be unwound", or instructions in line.
+bool is_same_extab(uint32_t a, uint32_t b) {
+    return a == b && (a == CANTUNWIND || (a & IN_LINE) != 0);
 }
 
 } // namespace
@@ -49,7 +47,7 @@ EXIDX_TABLE::EXIDX_TABLE(const char* name) : COLLECTION(name, COLLECTION_OUTSECT
 }
 
 void EXIDX_TABLE::add_code(SECTION* code, EXIDX_SECTION* piece) {
-    entries_.push_back({code, piece});
+    entries_.push_back({code, piece, {}});
     if (piece == nullptr) return;
     piece->set_code(code);
     add_piece(piece);
@@ -69,6 +67,7 @@ EXIDX_SECTION* EXIDX_TABLE::piece_of(ENTRY& entry) {
         entry.piece = create_default_exidx_section(entry.code);
         entry.piece->set_code(entry.code);
         entry.piece->set_attr(PA_P2_PLACEMENT);
+        entry.words = words_of(entry.piece);
     }
     return entry.piece;
 }
@@ -124,8 +123,9 @@ void EXIDX_TABLE::sort_entries() {
     std::vector<KEY> keys;
     keys.reserve(entries_.size());
     const auto ask = [](const ENTRY& entry) { prefetch<LINKER_OBJECT>(entry.code); };
-    visit_ahead(entries_, ask, [&keys](const ENTRY& entry) {
+    visit_ahead(entries_, ask, [&keys](ENTRY& entry) {
         if (root_collection->object_is_in_link(entry.code)) {
+            if (entry.piece != nullptr) entry.words = words_of(entry.piece);
             keys.push_back({entry.code->run_address(), entry.code->size() != 0, entry});
         } else if (entry.piece != nullptr) {
             trace_collect.printf("EXIDX section %s is removed as link to section is not in link",
@@ -143,19 +143,14 @@ void EXIDX_TABLE::sort_entries() {
 // is known before there is a piece.
 void EXIDX_TABLE::choose_members(std::vector<LINKER_OBJECT*>& chosen) {
     taken_out_.clear();
-    OF_SECTION* prev = nullptr;
-    const auto is_eliminated = [&prev](EXIDX_SECTION* piece) {
-        if (prev == nullptr || disable_exidx_opt != 0) return false;
-        return piece != nullptr ? can_exidx_be_eliminated(prev, piece->OF_SECTION_api())
-                                : word_at(prev, prev->size() - WORD) == CANTUNWIND;
-    };
-    const auto choose = [&](EXIDX_SECTION* piece) {
-        chosen.push_back(piece);
-        prev = piece->OF_SECTION_api();
+    const WORDS* prev = nullptr;
+    const auto is_eliminated = [&prev](const ENTRY& entry) {
+        return prev != nullptr && disable_exidx_opt == 0 && is_said_by(*prev, entry);
     };
     for (ENTRY& entry : entries_) {
-        if (!is_eliminated(entry.piece)) {
-            choose(piece_of(entry));
+        if (!is_eliminated(entry)) {
+            chosen.push_back(piece_of(entry));
+            prev = &entry.words;
         } else if (entry.piece != nullptr) {
             trace_collect.printf("EXIDX section %s is optimized out",
                                  entry.piece->original_section_name());
@@ -163,19 +158,27 @@ void EXIDX_TABLE::choose_members(std::vector<LINKER_OBJECT*>& chosen) {
         }
     }
     if (terminator_ == nullptr) return;
-    if (is_eliminated(terminator_))
-        taken_out_.push_back(terminator_);
-    else
-        choose(terminator_);
+    const bool is_needless = is_eliminated({nullptr, terminator_, words_of(terminator_)});
+    (is_needless ? taken_out_ : chosen).push_back(terminator_);
 }
 
-bool EXIDX_TABLE::is_same_extab(uint32_t a, uint32_t b) {
-    return a == b && (a == CANTUNWIND || (a & IN_LINE) != 0);
+/// What code without a piece would say needs no look at the size.
+bool EXIDX_TABLE::is_said_by(const WORDS& prev, const ENTRY& entry) {
+    if (entry.piece == nullptr) return prev.last == CANTUNWIND;
+    return entry.words.size == ENTRY_SIZE && prev.size >= ENTRY_SIZE &&
+           is_same_extab(prev.last, entry.words.first);
 }
 
-bool EXIDX_TABLE::can_exidx_be_eliminated(OF_SECTION* prev, OF_SECTION* cur) {
-    if (cur->size() != ENTRY_SIZE || prev->size() < ENTRY_SIZE) return false;
-    return is_same_extab(word_at(prev, prev->size() - WORD), word_at(cur, WORD));
+EXIDX_TABLE::WORDS EXIDX_TABLE::words_of(EXIDX_SECTION* piece) {
+    OF_SECTION* section = piece->OF_SECTION_api();
+    const OF_BYTES bytes = section->bytes();
+    const auto endian = static_cast<DATA_MAP::ENDIAN>(section->ofile()->machine_endian());
+    const auto word_at = [&](unsigned offset) {
+        if (bytes.size < WORD || offset > bytes.size - WORD) return uint32_t{0};
+        return static_cast<uint32_t>(DATA_MAP::load(bytes.data + offset, WORD, endian));
+    };
+    const unsigned size = section->size();
+    return {size, word_at(WORD), word_at(size - WORD)};
 }
 
 // ---- upon placement --------------------------------------------------------------------------

@@ -38,18 +38,25 @@ class EXIDX_TABLE : public COLLECTION {
     void define_exidx_symbols();
     /// The entry behind the last function.
     void add_table_terminator(EXIDX_SECTION* piece);
-    /// Both words say the same wherever they stand: "cannot be unwound", or instructions in line.
-    static bool is_same_extab(uint32_t a, uint32_t b);
-    /// The one entry of `cur` says what the last entry of `prev` says.
-    static bool can_exidx_be_eliminated(OFE::OF_SECTION* prev, OFE::OF_SECTION* cur);
 
     bool is_sorted() const { return sorted_; }
 
   private:
+    /// What decides whether neighbours say the same, read before the entries are sorted.
+    struct WORDS {
+        unsigned size;  // of the piece in bytes
+        uint32_t first; // how the first entry unwinds
+        uint32_t last;  // how the last one does
+    };
     struct ENTRY {
         SECTION* code;
         EXIDX_SECTION* piece; // null for code without one, as long as its entry isn't needed
+        WORDS words;          // of the piece, once entries have been sorted
     };
+
+    static WORDS words_of(EXIDX_SECTION* piece);
+    /// The one entry says what the last one of the piece before it says.
+    static bool is_said_by(const WORDS& prev, const ENTRY& entry);
 
     void sort_entries();
     void choose_members(std::vector<LINKER_OBJECT*>& chosen);
