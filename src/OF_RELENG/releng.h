@@ -35,14 +35,14 @@ struct RELOC_SYMBOL {
     OF_SECTION* section = nullptr; // the section of the final symbol, if it refers to one
     OBJECT_FILE* file = nullptr;   // the file of the final symbol
     uint32_t value = 0;            // the final value, without the Thumb bit of a function
-    bool known = false;
-    bool function = false;        // of type function
-    bool odd = false;             // bit 0 of the value as it stands: the Thumb bit of a function
-    bool absolute = false;        // of kind absolute
-    bool unresolved = false;      // of kind undefined
-    bool unresolved_weak = false; // of kind undefined and binding weak
-    bool gone = false;            // an unallocated common, or its section is not in the link
-    bool plain = false;           // not unresolved, and of type function only if Thumb code
+    bool known : 1 = false;
+    bool function : 1 = false;   // of type function
+    bool odd : 1 = false;        // bit 0 of the value as it stands: the Thumb bit of a function
+    bool absolute : 1 = false;   // of kind absolute
+    bool unresolved : 1 = false; // of kind undefined
+    bool unresolved_weak : 1 = false; // of kind undefined and binding weak
+    bool gone : 1 = false;            // an unallocated common, or its section is not in the link
+    bool plain : 1 = false;           // not unresolved, and of type function only if Thumb code
 };
 
 // One relocation as the engine sees it.

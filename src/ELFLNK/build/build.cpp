@@ -9,6 +9,7 @@
 
 #include "DIAG/elnk_msgs.h"
 #include "ELFLNK/build/build_state.h"
+#include "ELFLNK/build/object_walk.h"
 #include "ELFLNK/crc/crc_table.h"
 #include "ELFLNK/exidx/exidx.h"
 #include "ELFLNK/file/file_manager.h"
@@ -42,52 +43,40 @@ std::vector<LINKER_OBJECT*> leaves;
 bool debug_in_group = false;
 
 // What decides the place of a leaf, worked out once. Input sections come file by file, a file's
-// debug sections last; then what has a place in an output section, by that place.
+// debug sections last; then the others by their place in the output.
 struct LEAF_KEY {
     LINKER_OBJECT* object;
-    bool ecc;
-    bool section;
-    bool debug;
-    unsigned file;   // file id + 1; 0: no input data
-    unsigned input;  // section id
-    unsigned output; // section id + 1; 0: none
-    uint64_t offset;
+    uint64_t rank;   // the kind of object, the file
+    uint64_t number; // of the input section in its file, or of the output section
+    uint64_t offset; // in the output section
 };
 
 LEAF_KEY leaf_key(LINKER_OBJECT* object) {
-    LEAF_KEY key{object, object->is_ecc_section(), object->is_section(), false, 0, 0, 0, 0};
-    if (SECTION* section = as_section(object))
-        if (OF_SECTION* input = section->OF_SECTION_api()) {
-            key.file = input->ofile()->file_id() + 1;
-            key.input = input->id();
-            key.debug = strncmp(input->name(), ".debug", 6) == 0;
-        }
-    if (OF_SECTION* output = object->output_OF_SECTION()) {
-        key.output = output->id() + 1;
-        key.offset = object->run_address() - object->outsect_object()->run_address();
+    SECTION* section = as_section(object);
+    const uint64_t kind = (object->is_ecc_section() ? 2 : 0) + (section ? 0 : 1);
+    if (OF_SECTION* input = section ? section->OF_SECTION_api() : nullptr) {
+        const uint64_t file = uint64_t{input->ofile()->file_id()} + 1;
+        return {object, kind << 62 | file << 1 | section->is_debug(), input->id(), 0};
     }
-    return key;
+    OF_SECTION* output = object->output_OF_SECTION();
+    if (!output) return {object, kind << 62, 0, 0};
+    return {object, kind << 62, uint64_t{output->id()} + 1,
+            object->run_address() - object->outsect_object()->run_address()};
 }
 
 bool leaf_less(const LEAF_KEY& a, const LEAF_KEY& b) {
-    if (a.ecc != b.ecc) return b.ecc;
-    if (a.section != b.section) return a.section;
-    if (a.section) {
-        if (a.file != b.file) return a.file < b.file;
-        if (a.debug != b.debug) return b.debug;
-        if (a.input != b.input) return a.input < b.input;
-    }
-    if (a.output != b.output) return a.output < b.output;
+    if (a.rank != b.rank) return a.rank < b.rank;
+    if (a.number != b.number) return a.number < b.number;
     if (a.offset != b.offset) return a.offset < b.offset;
     return LINKER_OBJECT::less_than_obj_id(a.object, b.object);
 }
 
 void list_leaves() {
     std::vector<LINKER_OBJECT*> found;
-    root_collection->flatten(found, [](const LINKER_OBJECT* o) { return o->is_leaf(); });
+    root_collection->flatten(found, &LINKER_OBJECT::is_leaf);
     std::vector<LEAF_KEY> keys;
     keys.reserve(found.size());
-    for (LINKER_OBJECT* object : found) keys.push_back(leaf_key(object));
+    visit_objects(found, [&](LINKER_OBJECT* object) { keys.push_back(leaf_key(object)); });
     std::sort(keys.begin(), keys.end(), leaf_less);
     leaves.clear();
     leaves.reserve(keys.size());
@@ -108,14 +97,13 @@ void finalize_leaf(LINKER_OBJECT* object) {
     }
     object->set_finalized(true);
     SECTION* section = as_section(object);
-    if (!section || debug_in_group || strncmp(section->original_section_name(), ".debug", 6) != 0)
-        return;
+    if (!section || debug_in_group || !section->is_debug()) return;
     if (OF_SECTION* input = section->OF_SECTION_api()) debug_in_group = input->group() != nullptr;
 }
 
 void finalize_objects() {
     trace_build.printf("\nFINALIZE OBJECTS\n");
-    for (LINKER_OBJECT* object : leaves) finalize_leaf(object);
+    visit_objects(leaves, finalize_leaf);
 }
 
 OF_GROUP_TABLE* new_output_group(OF_GROUP_TABLE* input) {

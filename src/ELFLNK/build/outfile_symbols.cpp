@@ -327,10 +327,7 @@ class UNDEFINED_PASS {
         OF_SECTION* section = object->OF_SECTION_api();
         if (!section) return;
         OBJECT_FILE* file = section->ofile();
-        if (file != file_) {
-            file_ = file;
-            visited_.assign(file->symbol_table() ? file->symbol_table()->symnum() : 0, false);
-        }
+        if (file != file_) enter(file);
         OF_SECTION_TABLE* table = section->section_table();
         unsigned raw_tables = file->is_input() ? table->raw_reloc_table_num(section->id()) : 0;
         for (unsigned i = 0; i < raw_tables; ++i)
@@ -342,6 +339,33 @@ class UNDEFINED_PASS {
     }
 
   private:
+    // Most files refer to nothing undefined: their symbols tell, of which there are fewer than
+    // relocations.
+    void enter(OBJECT_FILE* file) {
+        file_ = file;
+        table_ = file->symbol_table();
+        any_open_ = false;
+        open_.assign(table_ ? table_->symnum() : 0, false);
+        if (!table_ || !file->is_input()) return;
+        const FILE_SYMBOLS* names = find_file_symbols(file);
+        for (unsigned id = table_->first_global(), n = table_->symnum(); id < n; ++id) {
+            open_[id] = is_open(names, id);
+            any_open_ |= open_[id];
+        }
+    }
+
+    // False: the symbol is defined.
+    bool is_open(const FILE_SYMBOLS* names, unsigned sym_id) {
+        if (OF_SYMBOL* loaded = table_->loaded_symbol(sym_id))
+            return loaded->resolved_by_final()->kind() == OF_SYM_KIND_UNDEFINED;
+        const uint32_t name = names ? names->name_id(sym_id) : NAME_TABLE::NO_NAME;
+        if (name >= served_.size()) return true;
+        if (served_[name]) return false;
+        OF_SYMBOL* def = global_symbols.def_of(global_symbols.mapped_id(name));
+        served_[name] = def && def->resolved_by_final()->kind() != OF_SYM_KIND_UNDEFINED;
+        return !served_[name];
+    }
+
     void reference(OF_SYMBOL* s) {
         if (!s || s->kind() != OF_SYM_KIND_UNDEFINED) return;
         if (s->binding() != OF_SYM_BINDING_GLOBAL && s->binding() != OF_SYM_BINDING_WEAK) return;
@@ -354,21 +378,24 @@ class UNDEFINED_PASS {
 
     void references_of(const OF_RAW_RELOCS& relocs) {
         OF_SYMBOL_TABLE* symbols = relocs.symbols();
-        if (!symbols || relocs.size() == 0) return;
+        if (!symbols || relocs.size() == 0 || (symbols == table_ && !any_open_)) return;
         unsigned first_global = symbols->first_global();
         for (unsigned i = 0, n = relocs.size(); i < n; ++i) {
             OF_RAW_RELOC raw = relocs[i];
-            if (raw.sym_id < first_global || raw.sym_id >= visited_.size() || visited_[raw.sym_id])
+            if (raw.sym_id < first_global || raw.sym_id >= open_.size() || !open_[raw.sym_id])
                 continue;
             if (!file_->machine_reloc_type(raw.type)->has_symbol()) continue;
-            visited_[raw.sym_id] = true;
+            open_[raw.sym_id] = false;
             reference(resolve_symbol(file_, raw.sym_id));
         }
     }
 
     SECTION* referrer_ = nullptr;
     OBJECT_FILE* file_ = nullptr;
-    std::vector<bool> visited_;
+    OF_SYMBOL_TABLE* table_ = nullptr; // of the file
+    std::vector<bool> open_;           // by symbol id: may be undefined, and no reference was met
+    bool any_open_ = false;            // in the file as it was entered
+    std::vector<bool> served_ = std::vector<bool>(global_symbols.name_count()); // have a definition
     std::unordered_set<OF_SYMBOL*> seen_;
 };
 

@@ -26,18 +26,12 @@ namespace {
 
 unsigned generated_segments = 0;
 
-/// There are none within output sections, which hold nearly all objects.
-void list_load_segments(const COLLECTION* above, std::vector<LOAD_SEGMENT*>& segments) {
-    for (LINKER_OBJECT* member : above->members()) {
-        if (member->is_load_segment()) segments.push_back(static_cast<LOAD_SEGMENT*>(member));
-        const COLLECTION* below = as_collection(member);
-        if (below != nullptr && !below->is_output_section()) list_load_segments(below, segments);
-    }
-}
-
+// There are none within output sections, which hold nearly all objects.
 std::vector<LOAD_SEGMENT*> load_segments() {
+    std::vector<LINKER_OBJECT*> found;
+    root_collection->flatten(found, &LINKER_OBJECT::is_load_segment, false);
     std::vector<LOAD_SEGMENT*> segments;
-    list_load_segments(root_collection, segments);
+    for (LINKER_OBJECT* object : found) segments.push_back(static_cast<LOAD_SEGMENT*>(object));
     return segments;
 }
 
@@ -62,7 +56,8 @@ void gather_loaded_objects(std::vector<LOAD_SEGMENT*>& segments) {
 
     std::vector<LINKER_OBJECT*> loaded;
     root_collection->flatten(
-        loaded, [](const LINKER_OBJECT* o) { return const_cast<LINKER_OBJECT*>(o)->is_loaded(); });
+        loaded, [](const LINKER_OBJECT* o) { return const_cast<LINKER_OBJECT*>(o)->is_loaded(); },
+        false);
     std::sort(loaded.begin(), loaded.end(), LINKER_OBJECT::less_than_load_address);
     LOAD_SEGMENT* current = nullptr;
     for (LINKER_OBJECT* object : loaded) {

@@ -128,24 +128,23 @@ void COLLECTION::transfer_sspec_members(SECTION_SPEC* spec, MEMBER_LIST::iterato
 
 // ---- walks ---------------------------------------------------------------------------------
 
-bool COLLECTION::query(std::vector<LINKER_OBJECT*>& out, const OBJECT_PREDICATE& pass) const {
+bool COLLECTION::query(std::vector<LINKER_OBJECT*>& out, const OBJECT_PREDICATE& pass,
+                       bool into_outsects) const {
     bool each_is_below_its_parent = true;
     visit_ahead(members_, prefetch<LINKER_OBJECT>, [&](LINKER_OBJECT* obj) {
         each_is_below_its_parent &= obj->parent_ == this;
         if (!pass || pass(obj)) out.push_back(obj);
+        if (!into_outsects && obj->is_output_section()) return;
         if (const COLLECTION* below = as_collection(obj))
-            each_is_below_its_parent &= below->query(out, pass);
+            each_is_below_its_parent &= below->query(out, pass, into_outsects);
     });
     return each_is_below_its_parent;
 }
 
-void COLLECTION::dfs_query(std::vector<LINKER_OBJECT*>& out, const OBJECT_PREDICATE& pass) const {
-    query(out, pass);
-}
-
-void COLLECTION::flatten(std::vector<LINKER_OBJECT*>& out, const OBJECT_PREDICATE& pass) const {
+void COLLECTION::flatten(std::vector<LINKER_OBJECT*>& out, const OBJECT_PREDICATE& pass,
+                         bool into_outsects) const {
     std::vector<LINKER_OBJECT*> found;
-    if (query(found, pass)) {
+    if (query(found, pass, into_outsects)) {
         out.insert(out.end(), found.begin(), found.end());
         return;
     }

@@ -97,8 +97,8 @@ class COLLECTION : public LINKER_OBJECT {
 
     // ---- walks -----------------------------------------------------------------------------
     /// All objects below, depth first in member order; each passing one once.
-    void flatten(std::vector<LINKER_OBJECT*>& out, const OBJECT_PREDICATE& pass = nullptr) const;
-    void dfs_query(std::vector<LINKER_OBJECT*>& out, const OBJECT_PREDICATE& pass = nullptr) const;
+    void flatten(std::vector<LINKER_OBJECT*>& out, const OBJECT_PREDICATE& pass = nullptr,
+                 bool into_outsects = true) const;
     LINKER_OBJECT* find_first_member(const OBJECT_PREDICATE& pass) const;
     bool has_member(const OBJECT_PREDICATE& pass) const {
         return find_first_member(pass) != nullptr;
@@ -163,8 +163,10 @@ class COLLECTION : public LINKER_OBJECT {
         uint64_t size = 0;
         uint64_t est = 0;
     };
-    /// dfs_query; true if each object was found below its parent, and so only once.
-    bool query(std::vector<LINKER_OBJECT*>& out, const OBJECT_PREDICATE& pass) const;
+    /// Lists the same as often as it is found; true if each object was found below its parent, and
+    /// so only once.
+    bool query(std::vector<LINKER_OBJECT*>& out, const OBJECT_PREDICATE& pass,
+               bool into_outsects) const;
     /// A member was added: only it is missing in the sum.
     void note_added(LINKER_OBJECT* obj);
     void sum_members();

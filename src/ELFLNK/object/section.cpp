@@ -2,6 +2,7 @@
 #include "ELFLNK/object/section.h"
 
 #include <cctype>
+#include <cstring>
 
 #include "DIAG/elnk_msgs.h"
 #include "ELFLNK/file/file_manager.h"
@@ -25,16 +26,24 @@ constexpr uint32_t SHF_TLS = 0x400;
 constexpr uint32_t QV_SHF_BOUND = 0x4;
 constexpr uint32_t QV_FLAG_MASK = 0x1E; // bits 1 to 4 go into the output
 
+bool is_debug_name(const char* name) {
+    return std::strncmp(name, ".debug", 6) == 0;
+}
+
 } // namespace
 
 SECTION::SECTION(OBJ_FILE* file, OFE::OF_SECTION* section)
-    : LINKER_OBJECT(nullptr), file_(file), section_(section), original_name_(section->name()) {
+    : LINKER_OBJECT(nullptr),
+      debug_(is_debug_name(section->name())),
+      file_(file),
+      section_(section),
+      original_name_(section->name()) {
     if (section->ofile()->format() == OFE::OF_FORMAT_ELF) set_elf_scn_attributes();
     if (Target->abi()->section_is_pmdata(section)) set_attr(PA_PMDATA | PA_P3_PLACEMENT);
 }
 
 SECTION::SECTION(const char* name, const SOURCE_POSITION* pos)
-    : LINKER_OBJECT(name, pos), original_name_(name) {}
+    : LINKER_OBJECT(name, pos), debug_(is_debug_name(name)), original_name_(name) {}
 
 SECTION::~SECTION() = default;
 

@@ -45,6 +45,8 @@ class SECTION : public LINKER_OBJECT, public OALLOC<SECTION> {
     void set_OF_SECTION(OFE::OF_SECTION* section) { section_ = section; }
     /// Section name as in the input, without a file tag.
     const char* original_section_name() const { return original_name_; }
+    /// That name starts with ".debug".
+    bool is_debug() const { return debug_; }
     /// What reports call the section: that name, or the whole name of a generated section.
     const char* input_name() const { return file_ != nullptr ? original_name_ : name(); }
     /// The name without a tag "[n]" in front.
@@ -73,6 +75,7 @@ class SECTION : public LINKER_OBJECT, public OALLOC<SECTION> {
     bool keeps_header() const;
 
     bool relocated_ = false;
+    bool debug_ = false;
     mutable bool header_kept_ = false;
     mutable bool kept_blocked_ = false;
     mutable uint32_t kept_size_ = 0;

@@ -6,6 +6,7 @@
 
 #include "DIAG/elnk_msgs.h"
 #include "ELFLNK/build/build.h"
+#include "ELFLNK/build/object_walk.h"
 #include "ELFLNK/file/file_manager.h"
 #include "ELFLNK/file/obj_file.h"
 #include "ELFLNK/mapfile/map_file.h"
@@ -96,18 +97,20 @@ void choose_write_modes() {
     }
 }
 
+void write_leaf(LINKER_OBJECT* object) {
+    if (object->data_written() || object->size() == 0) return;
+    LINKER_OBJECT* outsect = object->outsect_object();
+    OF_SECTION* output = outsect ? outsect->output_OF_SECTION() : nullptr;
+    if (!output) return;
+    auto offset = static_cast<uint32_t>(object->run_address() - outsect->run_address());
+    trace_build.printf("copy object %u to %s at offset 0x%lx\n", object->id(), output->name(),
+                       offset);
+    object->write_data_internal(output, offset);
+    object->set_data_written(true);
+}
+
 void write_leaves() {
-    for (LINKER_OBJECT* object : leaf_objects()) {
-        if (object->data_written() || object->size() == 0) continue;
-        LINKER_OBJECT* outsect = object->outsect_object();
-        OF_SECTION* output = outsect ? outsect->output_OF_SECTION() : nullptr;
-        if (!output) continue;
-        auto offset = static_cast<uint32_t>(object->run_address() - outsect->run_address());
-        trace_build.printf("copy object %u to %s at offset 0x%lx\n", object->id(), output->name(),
-                           offset);
-        object->write_data_internal(output, offset);
-        object->set_data_written(true);
-    }
+    visit_objects(leaf_objects(), write_leaf);
 }
 
 // Sections that are in memory are complete: the target may turn their code into its final byte
