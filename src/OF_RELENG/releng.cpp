@@ -2,6 +2,7 @@
 #include "OF_RELENG/releng.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 #include "DIAG/releng_msgs.h"
@@ -79,10 +80,30 @@ class RELOC_SYMBOLS {
 
 RELOC_SYMBOLS symbols_in_use;
 
+// The relocation types of the file in use, by their number.
+class RELOC_TYPES {
+  public:
+    const OF_RELOC_TYPE* of(OBJECT_FILE* file, unsigned number) {
+        if (file != file_) types_.fill(nullptr);
+        file_ = file;
+        const OF_RELOC_TYPE*& type = types_[number & 0xFF];
+        if (!type) type = file->machine_reloc_type(number);
+        return type;
+    }
+    void forget() { file_ = nullptr; }
+
+  private:
+    OBJECT_FILE* file_ = nullptr;
+    std::array<const OF_RELOC_TYPE*, 256> types_{};
+};
+
+RELOC_TYPES types_in_use;
+
 } // namespace
 
 void OF_RELENG::forget_symbols() {
     symbols_in_use.forget();
+    types_in_use.forget();
 }
 
 OF_RELENG::OF_RELENG(OF_SECTION* section)
@@ -132,13 +153,11 @@ void OF_RELENG::relocate_raw(const OF_RAW_RELOCS& relocs) {
     OBJECT_FILE* file = section_->ofile();
     uint32_t base = file->values_are_scnrel() ? 0 : section_->run_addr();
     OF_SYMBOL_TABLE* symbols = relocs.symbols();
-    const OF_RELOC_TYPE* types[256] = {};
     RELOC_SITE site;
     RELOC_SYMBOL elsewhere;
     for (unsigned i = 0; i < count; ++i) {
         OF_RAW_RELOC raw = relocs[i];
-        const OF_RELOC_TYPE*& type = types[raw.type & 0xFF];
-        if (!type) type = file->machine_reloc_type(raw.type);
+        const OF_RELOC_TYPE* type = types_in_use.of(file, raw.type);
         site.type = type;
         site.rel = type->rel_template;
         site.offset = (raw.offset - base) * unit_bytes_;

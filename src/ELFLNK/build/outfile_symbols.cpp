@@ -322,48 +322,60 @@ class UNDEFINED_PASS {
         reference(s);
     }
 
-    void references_of(SECTION* object) {
+    // References from the sections of one file.
+    void references_of(const OF_SECTION_TABLE* sections) {
+        if (!enter(sections->ofile())) return;
+        for (unsigned id = 0, n = sections->scnnum(); id < n; ++id)
+            if (OF_SECTION* section = sections->loaded_section(id))
+                if (SECTION* object = root_collection->lookup_OF_SECTION(section))
+                    references_of(object, section);
+    }
+
+  private:
+    // Most files refer to nothing undefined that was not met before: their symbols tell, of which
+    // there are fewer than relocations. False: the file need not be searched.
+    bool enter(OBJECT_FILE* file) {
+        file_ = file;
+        OF_SYMBOL_TABLE* table = file->symbol_table();
+        open_.clear();
+        if (!table || !file->is_input()) return true;
+        const FILE_SYMBOLS* names = find_file_symbols(file);
+        bool any = !file->section_table()->has_one_symbol_table();
+        open_.assign(table->symnum(), any);
+        for (unsigned id = table->first_global(), n = table->symnum(); id < n; ++id) {
+            open_[id] = is_open(table, names, id);
+            any |= open_[id];
+        }
+        return any;
+    }
+
+    void references_of(SECTION* object, OF_SECTION* section) {
         referrer_ = object;
-        OF_SECTION* section = object->OF_SECTION_api();
-        if (!section) return;
-        OBJECT_FILE* file = section->ofile();
-        if (file != file_) enter(file);
         OF_SECTION_TABLE* table = section->section_table();
-        unsigned raw_tables = file->is_input() ? table->raw_reloc_table_num(section->id()) : 0;
+        unsigned raw_tables = file_->is_input() ? table->raw_reloc_table_num(section->id()) : 0;
         for (unsigned i = 0; i < raw_tables; ++i)
             references_of(table->raw_relocs(section->id(), i));
-        if (raw_tables != 0 || file->is_input()) return;
+        if (raw_tables != 0 || file_->is_input()) return;
         for (OF_RELOC* rel : section->all_relocs())
             if (rel->takes_symbol() && !rel->is_internal() && rel->symbol())
                 reference(rel->symbol()->resolved_by_final());
     }
 
-  private:
-    // Most files refer to nothing undefined: their symbols tell, of which there are fewer than
-    // relocations.
-    void enter(OBJECT_FILE* file) {
-        file_ = file;
-        table_ = file->symbol_table();
-        any_open_ = false;
-        open_.assign(table_ ? table_->symnum() : 0, false);
-        if (!table_ || !file->is_input()) return;
-        const FILE_SYMBOLS* names = find_file_symbols(file);
-        for (unsigned id = table_->first_global(), n = table_->symnum(); id < n; ++id) {
-            open_[id] = is_open(names, id);
-            any_open_ |= open_[id];
-        }
+    // False: a reference to the symbol changes nothing.
+    bool is_open(const OF_SYMBOL_TABLE* table, const FILE_SYMBOLS* names, unsigned sym_id) {
+        if (OF_SYMBOL* loaded = table->loaded_symbol(sym_id)) return is_open(loaded);
+        const uint32_t name = names ? names->name_id(sym_id) : NAME_TABLE::NO_NAME;
+        if (name >= settled_.size()) return true;
+        if (settled_[name]) return false;
+        OF_SYMBOL* target = global_symbols.def_of(global_symbols.mapped_id(name));
+        if (!target) target = global_symbols.undef_of(name);
+        settled_[name] = target && !is_open(target);
+        return !settled_[name];
     }
 
-    // False: the symbol is defined.
-    bool is_open(const FILE_SYMBOLS* names, unsigned sym_id) {
-        if (OF_SYMBOL* loaded = table_->loaded_symbol(sym_id))
-            return loaded->resolved_by_final()->kind() == OF_SYM_KIND_UNDEFINED;
-        const uint32_t name = names ? names->name_id(sym_id) : NAME_TABLE::NO_NAME;
-        if (name >= served_.size()) return true;
-        if (served_[name]) return false;
-        OF_SYMBOL* def = global_symbols.def_of(global_symbols.mapped_id(name));
-        served_[name] = def && def->resolved_by_final()->kind() != OF_SYM_KIND_UNDEFINED;
-        return !served_[name];
+    bool is_open(OF_SYMBOL* symbol) {
+        OF_SYMBOL* s = symbol->resolved_by_final();
+        return s->kind() == OF_SYM_KIND_UNDEFINED && !s->final() && !seen_.contains(s);
     }
 
     void reference(OF_SYMBOL* s) {
@@ -378,7 +390,7 @@ class UNDEFINED_PASS {
 
     void references_of(const OF_RAW_RELOCS& relocs) {
         OF_SYMBOL_TABLE* symbols = relocs.symbols();
-        if (!symbols || relocs.size() == 0 || (symbols == table_ && !any_open_)) return;
+        if (!symbols || relocs.size() == 0) return;
         unsigned first_global = symbols->first_global();
         for (unsigned i = 0, n = relocs.size(); i < n; ++i) {
             OF_RAW_RELOC raw = relocs[i];
@@ -392,10 +404,8 @@ class UNDEFINED_PASS {
 
     SECTION* referrer_ = nullptr;
     OBJECT_FILE* file_ = nullptr;
-    OF_SYMBOL_TABLE* table_ = nullptr; // of the file
-    std::vector<bool> open_;           // by symbol id: may be undefined, and no reference was met
-    bool any_open_ = false;            // in the file as it was entered
-    std::vector<bool> served_ = std::vector<bool>(global_symbols.name_count()); // have a definition
+    std::vector<bool> open_; // by symbol id, in the file: not met yet
+    std::vector<bool> settled_ = std::vector<bool>(global_symbols.name_count()); // names not open
     std::unordered_set<OF_SYMBOL*> seen_;
 };
 
@@ -403,9 +413,8 @@ class UNDEFINED_PASS {
 
 void copy_undefined_symbols() {
     UNDEFINED_PASS pass;
-    std::vector<SECTION*> sections;
-    root_collection->list_sections(sections);
-    for (SECTION* section : sections) pass.references_of(section);
+    for (const OF_SECTION_TABLE* sections : root_collection->section_tables())
+        if (sections) pass.references_of(sections);
     for (OF_SYMBOL* symbol : global_symbols.entry_symbols())
         pass.root(SYMBOL_TABLE::resolution(symbol));
 }

@@ -96,7 +96,8 @@ class COLLECTION : public LINKER_OBJECT {
     LOCATOR* layout_locator() const;
 
     // ---- walks -----------------------------------------------------------------------------
-    /// All objects below, depth first in member order; each passing one once.
+    /// All objects below, or without into_outsects those that lie in no output section, depth first
+    /// in member order; each passing one once.
     void flatten(std::vector<LINKER_OBJECT*>& out, const OBJECT_PREDICATE& pass = nullptr,
                  bool into_outsects = true) const;
     LINKER_OBJECT* find_first_member(const OBJECT_PREDICATE& pass) const;

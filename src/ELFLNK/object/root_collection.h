@@ -41,6 +41,10 @@ class ROOT_COLLECTION : public COLLECTION {
     SECTION* lookup_section(uint32_t file_id, uint32_t section_id) const;
     /// All sections, by file number, then index.
     void list_sections(std::vector<SECTION*>& out) const;
+    /// By file number: the table of a file with sections in the link, or null.
+    const std::vector<const OFE::OF_SECTION_TABLE*>& section_tables() const {
+        return section_tables_;
+    }
     std::size_t section_count() const { return section_count_; }
 
     // ---- symbol objects --------------------------------------------------------------------

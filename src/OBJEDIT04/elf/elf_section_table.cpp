@@ -38,6 +38,7 @@ void ELF_SECTION_TABLE::clear_data() {
     raw_count_ = raw_entsize_ = 0;
     names_ = nullptr;
     names_limit_ = 0;
+    symbol_tables_ = 0;
     any_loaded_ = false;
     relocs_found_ = groups_resolved_ = false;
     reloc_first_.clear();
@@ -157,6 +158,7 @@ int ELF_SECTION_TABLE::check_headers() {
         const char* fault = nullptr;
         if (h.sh_type == SHT_NULL) continue;
         if (h.sh_type == SHT_GROUP && i != 0) raw_groups_.push_back(i);
+        if (h.sh_type == SHT_SYMTAB || h.sh_type == SHT_DYNSYM) ++symbol_tables_;
         if (names_ && h.sh_name >= names_limit_)
             fault = "its name is outside of the string table";
         else if (h.sh_type != SHT_NOBITS && h.sh_size && !file->in_image(h.sh_offset, h.sh_size))

@@ -55,6 +55,7 @@ class ELF_SECTION_TABLE final : public OF_SECTION_TABLE {
     bool has_ext_flags() override;
     unsigned raw_reloc_table_num(unsigned section_id) override;
     OF_RAW_RELOCS raw_relocs(unsigned section_id, unsigned table) override;
+    bool has_one_symbol_table() const override { return symbol_tables_ == 1; }
     OF_GROUP_TABLE* raw_group(unsigned section_id) override;
     bool raw_header(unsigned id,
                     Elf32_Shdr& out) const; // as read or as changed; false: no such index
@@ -107,8 +108,9 @@ class ELF_SECTION_TABLE final : public OF_SECTION_TABLE {
     const char* names_ = nullptr; // the section name strings as read
     unsigned names_limit_ = 0;    // offsets below are those of terminated strings
     std::vector<uint8_t>
-        changed_relocs_;      // what raw_relocs last showed of a table changed in memory
-    bool any_loaded_ = false; // a section object exists, whose name may differ from the file's
+        changed_relocs_;         // what raw_relocs last showed of a table changed in memory
+    unsigned symbol_tables_ = 0; // in the file as read
+    bool any_loaded_ = false;    // a section object exists, whose name may differ from the file's
     bool relocs_found_ = false;
     bool groups_resolved_ = false;
     std::vector<unsigned> reloc_first_;     // section id to its range in reloc_list_; beyond: none

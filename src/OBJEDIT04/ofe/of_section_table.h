@@ -67,6 +67,8 @@ class OF_SECTION_TABLE : public OF_STATE_MACHINE {
     virtual bool has_ext_flags() { return false; } // some section carries an extended flag word
     virtual unsigned raw_reloc_table_num(unsigned section_id) = 0;
     virtual OF_RAW_RELOCS raw_relocs(unsigned section_id, unsigned table) = 0;
+    // False: relocation sections may count in other symbol tables than the file's own.
+    virtual bool has_one_symbol_table() const = 0;
     virtual OF_GROUP_TABLE*
     raw_group(unsigned section_id) = 0; // the group the section is a member of, or null
 
