@@ -100,7 +100,7 @@ def compile_sources(name, sources, work, show=False):
 
 
 def library_copies(name, work, show=False):
-    """Copies of the compiler's archives without their debug information, which is of a version that qvlink refuses."""
+    """Copies of the compiler's archives without their debug information, which would be most of the program."""
     copies = []
     for archive in PROGRAMS[name].get("archives", []):
         found = run([TOOL + "gcc", *machine_of(name)[2], f"-print-file-name={archive}"]).strip()
