@@ -16,6 +16,34 @@ constexpr size_t PRINT_BLOCK = 64 * 1024;
 
 } // namespace
 
+// A line of text that ends in no blanks. Blanks wait until something follows them: one long cell
+// would otherwise cost every row its width.
+class TEXT_TABLE::LINE {
+  public:
+    explicit LINE(std::string& to) : to_(to), start_(to.size()) {}
+
+    void add_blanks(size_t count) { waiting_ += count; }
+    void add(std::string_view text) {
+        if (text.empty()) return;
+        to_.append(waiting_, ' ');
+        waiting_ = 0;
+        const auto begin = static_cast<ptrdiff_t>(to_.size());
+        to_ += text;
+        std::replace_if(
+            to_.begin() + begin, to_.end(),
+            [](char c) { return c == '\t' || c == '\n' || c == '\r'; }, ' ');
+    }
+    void end() {
+        while (to_.size() > start_ && to_.back() == ' ') to_.pop_back();
+        to_ += '\n';
+    }
+
+  private:
+    std::string& to_;
+    size_t start_;
+    size_t waiting_ = 0;
+};
+
 void TEXT_TABLE::set_min_size(int rows, int cols) {
     if (cols > stride_) {
         const int stride = std::max(cols, stride_ * 2);
@@ -110,8 +138,7 @@ std::vector<int> TEXT_TABLE::widths() const {
     return result;
 }
 
-void TEXT_TABLE::append_cell(std::string& to, std::string_view cell, int width,
-                             TEXT_ALIGN align) const {
+void TEXT_TABLE::append_cell(LINE& line, std::string_view cell, int width, TEXT_ALIGN align) {
     const bool fixed = align != TA_FREE && align != TA_SPILL;
     const auto room = static_cast<size_t>(width);
     std::string cut;
@@ -122,13 +149,9 @@ void TEXT_TABLE::append_cell(std::string& to, std::string_view cell, int width,
     }
     const size_t blanks = fixed ? room - cell.size() : 0;
     const size_t before = align == TA_RIGHT ? blanks : align == TA_CENTER ? blanks / 2 : 0;
-    to.append(before, ' ');
-    const size_t start = to.size();
-    to += cell;
-    std::replace_if(
-        to.begin() + static_cast<ptrdiff_t>(start), to.end(),
-        [](char c) { return c == '\t' || c == '\n' || c == '\r'; }, ' ');
-    to.append(blanks - before, ' ');
+    line.add_blanks(before);
+    line.add(cell);
+    line.add_blanks(blanks - before);
 }
 
 void TEXT_TABLE::print_rule(std::string& to, const std::vector<int>& widths) const {
@@ -145,21 +168,18 @@ void TEXT_TABLE::print_row(std::string& to, int row, const std::vector<int>& wid
         print_rule(to, widths);
         return;
     }
-    const size_t start = to.size();
-    to.append(static_cast<size_t>(indent_), ' ');
-    if (border_) to += "| ";
+    LINE line(to);
+    line.add_blanks(static_cast<size_t>(indent_));
+    if (border_) line.add("| ");
     for (int col = 0; col < cols_; col++) {
         const TEXT_ALIGN align = columns_[static_cast<size_t>(col)].align;
         const std::string_view cell = text(row, col);
-        if (col != 0) border_ ? to += " | " : to.append(static_cast<size_t>(padding_), ' ');
-        append_cell(to, cell, widths[static_cast<size_t>(col)], align);
+        if (col != 0) border_ ? line.add(" | ") : line.add_blanks(static_cast<size_t>(padding_));
+        append_cell(line, cell, widths[static_cast<size_t>(col)], align);
         if (align == TA_SPILL && !cell.empty()) break;
     }
-    if (border_)
-        to += " |";
-    else
-        while (to.size() > start && to.back() == ' ') to.pop_back();
-    to += '\n';
+    if (border_) line.add(" |");
+    line.end();
 }
 
 void TEXT_TABLE::print(std::string& to) const {

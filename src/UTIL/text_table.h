@@ -57,10 +57,11 @@ class TEXT_TABLE {
         int width = 0;
         TEXT_ALIGN align = TA_LEFT;
     };
+    class LINE;
     std::vector<int> widths() const;
     void print_row(std::string& to, int row, const std::vector<int>& widths) const;
     void print_rule(std::string& to, const std::vector<int>& widths) const;
-    void append_cell(std::string& to, std::string_view text, int width, TEXT_ALIGN align) const;
+    static void append_cell(LINE& line, std::string_view text, int width, TEXT_ALIGN align);
     std::vector<CELL>::const_iterator row_cells(int row) const {
         return cells_.begin() + long{row} * stride_;
     }

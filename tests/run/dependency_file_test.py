@@ -8,7 +8,7 @@ import sys
 import time
 from pathlib import Path
 
-NAMES = ["plain.o", "with blank.o", "with#hash.o", "with$dollar.o", "back\\slash.o", "one\\ two.o"]
+NAMES = ["plain.o", "opt=3.o", "co:lon.o", "with blank.o", "with#hash.o", "with$dollar.o", "back\\slash.o", "one\\ two.o"]
 MAKEFILE = """out.elf:
 \t./link.sh
 -include out.d

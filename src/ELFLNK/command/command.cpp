@@ -17,14 +17,18 @@
 #include "ELFLNK/object/root_collection.h"
 #include "ELFLNK/parse_lcf/lcf_parser.h"
 #include "ELFLNK/target/target.h"
+#include "ELFLNK/write/dependency_file.h"
 #include "OPTIONGEN/option_obj.h"
 #include "OPTIONGEN/register_option.h"
 #include "UTIL/savestr.h"
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <map>
 #include <string>
+#include <sys/stat.h>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -96,15 +100,37 @@ void dump_globals() {
 }
 
 /// What is read must not be written over: it is mapped, and the user would lose it.
+void check_is_not_read(const char* name, const char* option) {
+    if (name != nullptr && file_manager.is_read(name))
+        USER_MSG::get_umsg_obj()->fatal("\"%s\" is read by this link; option %s cannot write it",
+                                        name, option);
+}
+
+/// Two names of one file; devices take what they get.
+bool name_one_file(const char* a, const char* b) {
+    struct stat info_a, info_b;
+    if (stat(a, &info_a) != 0 || stat(b, &info_b) != 0) return strcmp(a, b) == 0;
+    return S_ISREG(info_a.st_mode) && info_a.st_dev == info_b.st_dev &&
+           info_a.st_ino == info_b.st_ino;
+}
+
 void check_names_of_outputs() {
-    for (const option_id id : {OPT_output_file, OPT_map_file, OPT_xml_link_info,
-                               OPT_emit_references_file, OPT_generate_dead_funcs_list}) {
+    std::vector<std::pair<const char*, const char*>> outputs; // name, option
+    for (const option_id id :
+         {OPT_output_file, OPT_map_file, OPT_xml_link_info, OPT_generate_dead_funcs_list}) {
         const char* name = global_opts->getstrarg(id);
         if (name == nullptr && id == OPT_output_file) name = "a.out";
-        if (name != nullptr && file_manager.is_read(name))
-            USER_MSG::get_umsg_obj()->fatal(
-                "\"%s\" is read by this link; option %s cannot write it", name,
-                global_opts->format_of_option(id));
+        if (name != nullptr) outputs.emplace_back(name, global_opts->format_of_option(id));
+    }
+    if (dependency_file() != nullptr) outputs.emplace_back(dependency_file(), "--dependency_file");
+    for (const option_id id : {OPT_emit_references_file, OPT_tempfile, OPT_ofd})
+        check_is_not_read(global_opts->getstrarg(id), global_opts->format_of_option(id));
+    for (auto output = outputs.begin(); output != outputs.end(); ++output) {
+        check_is_not_read(output->first, output->second);
+        for (auto other = outputs.begin(); other != output; ++other)
+            if (name_one_file(output->first, other->first))
+                USER_MSG::get_umsg_obj()->fatal("options %s and %s both write \"%s\"",
+                                                other->second, output->second, output->first);
     }
 }
 

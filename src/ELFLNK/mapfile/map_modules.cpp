@@ -107,8 +107,9 @@ class GENERATE_MAP_MODULES {
             if (range->is_hidden()) continue;
             for (LOCATOR* locator : range->contents()) count_object(locator->object());
         }
-        for (auto& [file, info] : by_file_) modules_.push_back(info.get());
-        std::sort(modules_.begin(), modules_.end(), module_less);
+        std::stable_sort(modules_.begin(), modules_.end(), [](const auto& a, const auto& b) {
+            return module_less(a.get(), b.get());
+        });
     }
 
     void count_object(LINKER_OBJECT* object) {
@@ -145,9 +146,9 @@ class GENERATE_MAP_MODULES {
     }
 
     MODULE_INFO& module_of(const OBJ_FILE* file) {
-        std::unique_ptr<MODULE_INFO>& info = by_file_[file];
+        MODULE_INFO*& info = by_file_[file];
         if (info == nullptr) {
-            info = std::make_unique<MODULE_INFO>();
+            info = modules_.emplace_back(std::make_unique<MODULE_INFO>()).get();
             info->set_file(file);
         }
         return *info;
@@ -176,7 +177,7 @@ class GENERATE_MAP_MODULES {
         MODULE_INFO sums;
         sums.name = "Total:";
         const std::string* group = nullptr;
-        for (const MODULE_INFO* info : modules_) {
+        for (const auto& info : modules_) {
             if (group == nullptr || *group != info->group) {
                 if (group != nullptr) end_group(sums);
                 group = &info->group;
@@ -210,8 +211,8 @@ class GENERATE_MAP_MODULES {
     }
 
     MODULE_INFO linker_generated_, stack_, heap_, grand_total_;
-    std::unordered_map<const OBJ_FILE*, std::unique_ptr<MODULE_INFO>> by_file_;
-    std::vector<MODULE_INFO*> modules_;
+    std::unordered_map<const OBJ_FILE*, MODULE_INFO*> by_file_;
+    std::vector<std::unique_ptr<MODULE_INFO>> modules_; // in the order of the memory
     TEXT_TABLE table_;
     int row_ = 0;
 };

@@ -16,6 +16,7 @@
 #include "OBJEDIT04/elf/elf_types.h"
 #include "OBJEDIT04/machine/reloc_type.h"
 #include "OBJEDIT04/ofe/object_file.h"
+#include "OBJEDIT04/ofe/of_section.h"
 #include "OBJEDIT04/ofe/of_section_table.h"
 #include "OBJEDIT04/ofe/of_symbol.h"
 
@@ -98,9 +99,13 @@ REGISTRAR::KEY REGISTRAR::key_of(const OF_SYMBOL* sym) {
 
 void REGISTRAR::classify_sections(FILE_STATE& file) {
     OF_RAW_SECTION section;
+    const SECTION* root = root_collection->root_section();
     if (!file.bits.empty()) file.bits[0] = ABSENT;
     for (unsigned id = 1; id < file.bits.size(); ++id) {
-        if (!file.sections->raw_section(id, section) || section.deleted) {
+        // The root of all references is no part of the program.
+        const bool is_root = root && root->OF_SECTION_api()->ofile() == file.object &&
+                             root->OF_SECTION_api()->id() == id;
+        if (is_root || !file.sections->raw_section(id, section) || section.deleted) {
             file.bits[id] = ABSENT;
             continue;
         }

@@ -238,6 +238,9 @@ void write() {
     check_loadable();
     Target->abi()->check_outfile();
     Target->abi()->write_auxillary_files();
-    if (DIAGNOSTIC::error_count_m == 0) write_dependency_file(output_name());
+    if (DIAGNOSTIC::error_count_m == 0 && !write_dependency_file(output_name())) {
+        writer.discard();
+        DIAG_REPORT(elnk_open_outfile, dependency_file());
+    }
     trace_build.pop();
 }

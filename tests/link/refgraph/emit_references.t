@@ -153,6 +153,18 @@ Section .text.g:g.o:
       .data.d:a.o               _Z1giPKc   0
 
 
+--- case the root of all references is no part of a program that keeps everything
+--- args
+a.o g.o ok.cmd --unused_section_elimination=off --emit_references:file=refs -o out.elf --map_file=out.map
+--- file refs.txt
+--- text out.map lacks
+ROOT_SECTION
+--- case nor of a partial link
+--- args
+-r a.o g.o --emit_references:file=refs -o out.o --map_file=out.map
+--- file refs.txt
+--- text out.map lacks
+ROOT_SECTION
 --- case text is the default
 --- args
 a.o g.o ok.cmd --emit_references:file=refs -o out.elf

@@ -70,6 +70,14 @@ TEST(TextTable, a_border_surrounds_the_table) {
     EXPECT_EQ(printed(table), "+----+---+\n| ab | c |\n| d  |   |\n+----+---+\n");
 }
 
+TEST(TextTable, one_long_cell_does_not_make_all_rows_long) {
+    constexpr int ROWS = 100000;
+    TEXT_TABLE table;
+    table.set_string(0, 0, std::string(1000000, 'x'));
+    for (int row = 1; row < ROWS; ++row) table.set_string(row, 0, "y");
+    EXPECT_EQ(printed(table).size(), 1000001U + 2 * (ROWS - 1));
+}
+
 TEST(TextTable, control_characters_print_as_blanks) {
     TEXT_TABLE table;
     table.set_string(0, 0, "a\tb\nc\rd");
