@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "DIAG/elnk_msgs.h"
+#include "DIAG/user_msg_api.h"
 #include "ELFLNK/build/link_kind.h"
 #include "ELFLNK/crc/crc_table.h"
 #include "ELFLNK/exidx/exidx_section.h"
@@ -38,6 +39,7 @@ namespace {
 
 constexpr unsigned R_ARM_PREL31 = 42;
 constexpr uint32_t CANTUNWIND = 1;
+constexpr unsigned ENTRY_SIZE = 8;
 
 OBJECT_FILE* internal_file() {
     return file_manager.internal_file()->object_file();
@@ -117,6 +119,17 @@ class EXIDX_TABLE_BUILDER {
     std::unordered_set<const OF_SECTION*> told_; // code of which the user knows that it has several
 };
 
+/// A piece with part of an entry would put every entry behind it out of place.
+bool is_made_of_entries(EXIDX_SECTION* piece) {
+    if (piece->size() % ENTRY_SIZE == 0) return piece->size() != 0;
+    USER_MSG::get_umsg_obj()->warning(
+        0U,
+        "the size of the EXIDX section \"%s\", %#lx, is no multiple of the size of an entry; its "
+        "code is entered as code that cannot be unwound",
+        piece->name(), static_cast<unsigned long>(piece->size()));
+    return false;
+}
+
 // In the root's order: the first piece of a section wins.
 void EXIDX_TABLE_BUILDER::build_section_exidx_map() {
     std::vector<SECTION*> sections;
@@ -125,6 +138,7 @@ void EXIDX_TABLE_BUILDER::build_section_exidx_map() {
         if (!section->is_exidx()) continue;
         auto* piece = static_cast<EXIDX_SECTION*>(section);
         all_pieces_.push_back(piece);
+        if (!is_made_of_entries(piece)) continue;
         OF_SECTION* code = piece->link_to_OF_section();
         if (code == nullptr) {
             DIAG_REPORT(elnk_exidx_scn_missing_link, piece->name());
@@ -202,11 +216,12 @@ void EXIDX_TABLE_BUILDER::drop_unused_pieces() {
 void EXIDX_TABLE_BUILDER::build() {
     if (!Target->abi()->requires_tdeh()) return;
     build_section_exidx_map();
-    if (pieces_.empty()) return;
-    if (is_partial_link())
-        build_tables_of_partial_link();
-    else
-        build_table_of_final_link();
+    if (!pieces_.empty()) {
+        if (is_partial_link())
+            build_tables_of_partial_link();
+        else
+            build_table_of_final_link();
+    }
     drop_unused_pieces();
 }
 
@@ -214,6 +229,12 @@ void EXIDX_TABLE_BUILDER::build() {
 
 void add_exception_tables() {
     EXIDX_TABLE_BUILDER().build();
+}
+
+void settle_tables() {
+    for (LINKER_OBJECT* outsect : root_collection->outsects())
+        if (outsect->is_exidx() && outsect->is_collection())
+            static_cast<EXIDX_TABLE*>(outsect)->settle_order();
 }
 
 void update_sh_links() {

@@ -22,6 +22,9 @@ bool is_exidx(OFE::OF_SECTION* section);
 /// nothing if there is none.
 void add_exception_tables();
 
+/// After placement: all entries stand in the order of the code.
+void settle_tables();
+
 /// In a partial link, ties the output sections of the tables to those of the code.
 void update_sh_links();
 

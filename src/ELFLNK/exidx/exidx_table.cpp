@@ -2,6 +2,7 @@
 #include "ELFLNK/exidx/exidx_table.h"
 
 #include <algorithm>
+#include <unordered_map>
 
 #include "DIAG/elnk_msgs.h"
 #include "DIAG/user_msg_api.h"
@@ -9,6 +10,7 @@
 #include "ELFLNK/exidx/exidx_section.h"
 #include "ELFLNK/expr/expression.h"
 #include "ELFLNK/locator/locator.h"
+#include "ELFLNK/memmap/memory_range.h"
 #include "ELFLNK/object/root_collection.h"
 #include "OBJEDIT04/ofe/object_file.h"
 #include "OBJEDIT04/ofe/of_section.h"
@@ -39,6 +41,24 @@ EXIDX_SECTION* as_piece(LINKER_OBJECT* object) {
 bool is_same_extab(uint32_t a, uint32_t b) {
     return a == b && (a == CANTUNWIND || (a & IN_LINE) != 0);
 }
+
+/// What the addresses of code count from: nothing yet, the layout of its group, or memory. They can
+/// be compared if all are of one of the last two kinds.
+struct BASES {
+    bool none = false;
+    bool layout = false;
+    bool memory = false;
+
+    void note(const LINKER_OBJECT* code) {
+        if (!code->has_attr(PA_ALLOCATED)) return;
+        const LOCATOR* run = code->run_locator();
+        const bool has_address = run != nullptr && run->is_placed();
+        const bool in_layout =
+            has_address && run->range() != nullptr && run->range()->is_temp_layout();
+        (!has_address ? none : in_layout ? layout : memory) = true;
+    }
+    bool can_be_compared() const { return !none && !(layout && memory); }
+};
 
 } // namespace
 
@@ -97,10 +117,7 @@ void EXIDX_TABLE::update_before_placement(PLACEMENT_PHASE phase) {
         DIAG_REPORT(elnk_exidx_locked);
     }
     sort_entries();
-    std::vector<LINKER_OBJECT*> chosen;
-    choose_members(chosen);
-    clear_members();
-    for (LINKER_OBJECT* piece : chosen) add_member(piece, true);
+    take_members();
     // Either of them may be placed first, and the other one copies its layout.
     for (LOCATOR* locator : {run_locator(), load_locator()}) {
         if (locator == nullptr) continue;
@@ -122,10 +139,12 @@ void EXIDX_TABLE::sort_entries() {
     };
     std::vector<KEY> keys;
     keys.reserve(entries_.size());
+    BASES bases;
     const auto ask = [](const ENTRY& entry) { prefetch<LINKER_OBJECT>(entry.code); };
-    visit_ahead(entries_, ask, [&keys](ENTRY& entry) {
+    visit_ahead(entries_, ask, [&keys, &bases](ENTRY& entry) {
         if (root_collection->object_is_in_link(entry.code)) {
             if (entry.piece != nullptr) entry.words = words_of(entry.piece);
+            bases.note(entry.code);
             keys.push_back({entry.code->run_address(), entry.code->size() != 0, entry});
         } else if (entry.piece != nullptr) {
             trace_collect.printf("EXIDX section %s is removed as link to section is not in link",
@@ -133,19 +152,29 @@ void EXIDX_TABLE::sort_entries() {
             root_collection->remove_section(entry.piece);
         }
     });
+    order_is_open_ = !bases.can_be_compared();
     std::stable_sort(keys.begin(), keys.end());
     entries_.clear();
     for (const KEY& key : keys) entries_.push_back(key.entry);
     last_code_ = entries_.empty() ? nullptr : entries_.back().code;
 }
 
+void EXIDX_TABLE::take_members() {
+    std::vector<LINKER_OBJECT*> chosen;
+    choose_members(chosen);
+    clear_members();
+    for (LINKER_OBJECT* piece : chosen) add_member(piece, true);
+}
+
 // An entry that says what the one before it says is left out. What code without a piece would say
-// is known before there is a piece.
+// is known before there is a piece. As long as the order is open, every entry stays: the size is
+// that of any order.
 void EXIDX_TABLE::choose_members(std::vector<LINKER_OBJECT*>& chosen) {
     taken_out_.clear();
     const WORDS* prev = nullptr;
-    const auto is_eliminated = [&prev](const ENTRY& entry) {
-        return prev != nullptr && disable_exidx_opt == 0 && is_said_by(*prev, entry);
+    const bool may_leave_out = disable_exidx_opt == 0 && !order_is_open_ && !needs_order_;
+    const auto is_eliminated = [&prev, may_leave_out](const ENTRY& entry) {
+        return prev != nullptr && may_leave_out && is_said_by(*prev, entry);
     };
     for (ENTRY& entry : entries_) {
         if (!is_eliminated(entry)) {
@@ -184,12 +213,15 @@ EXIDX_TABLE::WORDS EXIDX_TABLE::words_of(EXIDX_SECTION* piece) {
 // ---- upon placement --------------------------------------------------------------------------
 
 void EXIDX_TABLE::update_upon_placement() {
-    if (!sorted_) DIAG_REPORT(elnk_exidx_not_sorted);
-    if (locked_) {
+    const LOCATOR* load = load_locator();
+    const bool has_place = LINKER_OBJECT::is_placed() || (load != nullptr && load->is_placed());
+    if (locked_ || !has_place) { // what found no room is tried elsewhere
         COLLECTION::update_upon_placement();
         return;
     }
-    update_table_terminator();
+    if (!sorted_) DIAG_REPORT(elnk_exidx_not_sorted);
+    needs_order_ = order_is_open_;
+    if (!needs_order_) update_table_terminator();
     for (LINKER_OBJECT* piece : taken_out_) {
         trace_collect.printf("EXIDX section %s is purged", piece->name());
         root_collection->remove_section(as_piece(piece));
@@ -197,6 +229,37 @@ void EXIDX_TABLE::update_upon_placement() {
     patch_aliased_symbol_references();
     locked_ = true;
     COLLECTION::update_upon_placement();
+}
+
+void EXIDX_TABLE::settle_order() {
+    if (!needs_order_) return;
+    sort_entries();
+    take_members();
+    for (LOCATOR* locator : {run_locator(), load_locator()})
+        if (locator != nullptr && locator->is_placed()) lay_out_in_order(locator);
+    needs_order_ = false;
+    update_table_terminator();
+    COLLECTION::update_upon_placement();
+}
+
+// The pieces stand one behind the other in words, so that each order takes the same room.
+void EXIDX_TABLE::lay_out_in_order(LOCATOR* locator) {
+    LOCATOR* lowest = nullptr;
+    LOCATOR* highest = nullptr;
+    locator->subitem_extremities(lowest, highest);
+    if (lowest == nullptr) return;
+    uint64_t at = lowest->address();
+    LOCATOR_LIST& subs = locator->edit_sub_items();
+    std::unordered_map<const LINKER_OBJECT*, LOCATOR*> of_piece;
+    for (LOCATOR* sub : subs) of_piece.emplace(sub->object(), sub);
+    subs.clear();
+    for (LINKER_OBJECT* piece : members()) {
+        const auto found = of_piece.find(piece);
+        if (found == of_piece.end()) continue;
+        found->second->set_extent(at, at + piece->size());
+        at += piece->size();
+        subs.push_back(found->second);
+    }
 }
 
 // What was joined with the last piece counts: the end is that of all code.

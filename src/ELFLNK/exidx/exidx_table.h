@@ -4,6 +4,9 @@
 // placed after the code, sorts and shortens itself when a range is about to be tried, and is locked
 // once it has its place. Code without a piece of its own gets one only then, and only where its
 // entry is not joined with the one before: most code of a large program has none.
+//
+// A table in one group with code, or at an address, can be placed before some of the code. Then it
+// keeps every entry, and they are brought in order when placement is over.
 #pragma once
 
 #include <cstdint>
@@ -15,6 +18,7 @@ namespace OFE {
 class OF_SYMBOL;
 }
 class EXIDX_SECTION;
+class LOCATOR;
 
 namespace EXIDX {
 
@@ -40,6 +44,8 @@ class EXIDX_TABLE : public COLLECTION {
     void add_table_terminator(EXIDX_SECTION* piece);
 
     bool is_sorted() const { return sorted_; }
+    /// After placement: brings the entries in order if they were placed before some of the code.
+    void settle_order();
 
   private:
     /// What decides whether neighbours say the same, read before the entries are sorted.
@@ -59,6 +65,8 @@ class EXIDX_TABLE : public COLLECTION {
     static bool is_said_by(const WORDS& prev, const ENTRY& entry);
 
     void sort_entries();
+    void take_members();
+    void lay_out_in_order(LOCATOR* locator);
     void choose_members(std::vector<LINKER_OBJECT*>& chosen);
     void add_piece(EXIDX_SECTION* piece);
     EXIDX_SECTION* piece_of(ENTRY& entry);
@@ -69,6 +77,8 @@ class EXIDX_TABLE : public COLLECTION {
     EXIDX_SECTION* terminator_ = nullptr;
     SECTION* last_code_ = nullptr;          // the code at the highest address
     std::vector<LINKER_OBJECT*> taken_out_; // pieces that are joined with the one before them
+    bool order_is_open_ = false;            // some code had no address when it was last asked
+    bool needs_order_ = false;              // the table has its place, and its order is open
     bool sorted_ = false;
     bool locked_ = false;
 };

@@ -8,6 +8,7 @@
 #include "DIAG/source_position.h"
 #include "ELFLNK/compress/compress_db.h"
 #include "ELFLNK/crc/crc_table.h"
+#include "ELFLNK/exidx/exidx.h"
 #include "ELFLNK/memmap/memory_map.h"
 #include "ELFLNK/object/root_collection.h"
 #include "ELFLNK/placement/fill/fill.h"
@@ -146,6 +147,7 @@ void placement() {
     place_phase(PLACEMENT_PHASE_2);
     place_phase_3();
     // Every object has an address.
+    EXIDX::settle_tables();
     fill_holes();
     if constexpr (CHECKS_ENABLED) check_calls_reach();
     Target->abi()->update_upon_placement();

@@ -157,6 +157,28 @@ a.o high.cmd -o out.elf -e start
 3cf0ff7f01000000
 --- sym
 load 0x134
+--- case a table in front of its code
+Where the table gets its place before some of the code has, no entry is left out, and the order is right all the same.
+--- front.cmd
+MEMORY { CODE : origin = 0x100, length = 0x200   DATA : origin = 0x1000, length = 0x100 }
+SECTIONS
+{
+    GROUP : { .first : { *(.text.same) }  .ARM.exidx : {}  .rest : { *(.text.behind) *(.text.plain) } } > CODE
+    .text : { *(.text*) } > DATA
+    .ARM.extab : { *(.ARM.extab*) } > DATA
+}
+--- args
+a.o front.cmd -o out.elf -e start
+--- bytes .ARM.exidx
+fcffff7fb0b0a880
+40000000b0b0a880
+3c00000001000000
+e40e0000b0b0a880
+f40e000001000000
+f00e0000b0b0a880
+ec0e0000f00e0000
+e80e000001000000
+e40e000001000000
 --- case nothing to unwind
 --- b.s
     .thumb
