@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <unordered_set>
 
+#include "DIAG/user_msg_api.h"
 #include "ELFLNK/build/build.h"
 #include "ELFLNK/build/build_state.h"
 #include "ELFLNK/object/load_segment.h"
@@ -88,9 +89,11 @@ void attach(ELF_SEGMENT* header, LINKER_OBJECT* object) {
     }
 }
 
-void fill_in(LOAD_SEGMENT* segment) {
+/// False if the table of program headers is full.
+bool fill_in(LOAD_SEGMENT* segment) {
     if (!segment->elf_segment()) {
         ELF_SEGMENT* made = elf_api(output_OF_FILE())->segment_table()->new_segment();
+        if (made == nullptr) return false;
         made->header().p_type = PT_LOAD;
         segment->set_elf_segment(made);
     }
@@ -106,6 +109,7 @@ void fill_in(LOAD_SEGMENT* segment) {
     trace_build.printf("--> PT_LOAD: %s addr=0x%lx, size=0x%lx/0x%lx, flags=%s\n", segment->name(),
                        segment->run_address(), segment->init_size(), segment->size(),
                        segment->rwx_string());
+    return true;
 }
 
 } // namespace
@@ -118,7 +122,12 @@ void create_program_headers() {
         table->set_min_load_align(narrow<unsigned>(abi->max_page_size()));
     std::vector<LOAD_SEGMENT*> segments = load_segments();
     gather_loaded_objects(segments);
-    for (LOAD_SEGMENT* segment : segments) fill_in(segment);
+    if (!std::all_of(segments.begin(), segments.end(), fill_in)) {
+        USER_MSG::get_umsg_obj()->error("the program has %u parts to load, more than the program "
+                                        "headers of an output file can tell",
+                                        static_cast<unsigned>(segments.size()));
+        return;
+    }
     for (LOAD_SEGMENT* segment : segments)
         for (LINKER_OBJECT* member : segment->members()) attach(segment->elf_segment(), member);
 }

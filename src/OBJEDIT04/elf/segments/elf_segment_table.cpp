@@ -117,7 +117,7 @@ ELF_SEGMENT* ELF_SEGMENT_TABLE::new_segment() {
                                              "add new segments after the PT_PHDR "
                                              "segment has been allocated");
     unsigned short id = segnum();
-    if (id >= ELF_SEGMENT_DELETED) return nullptr;
+    if (id + 1 >= ELF_SEGMENT_DELETED) return nullptr; // the highest count stands for "more"
     make_segments();
     headers_.push_back(std::make_unique<Elf32_Phdr>());
     segments_.push_back(std::make_unique<ELF_SEGMENT>(this, id));
