@@ -115,6 +115,14 @@ TEST(segments, empty_load_segments_go_and_ids_close_up) {
     EXPECT_EQ(x.table->segment_type(PT_LOAD, 0), kept);
 }
 
+TEST(segments, there_are_as_many_as_the_file_header_can_count) {
+    constexpr unsigned MOST = 0xFFFE; // 0xFFFF says that the count stands elsewhere
+    EXECUTABLE x;
+    for (unsigned i = 0; i < MOST; i++) ASSERT_NE(x.table->new_segment(), nullptr);
+    EXPECT_EQ(x.table->new_segment(), nullptr);
+    EXPECT_EQ(x.table->segnum(), MOST);
+}
+
 TEST(segments, a_segment_after_the_freeze_warns_and_is_still_added) {
     EXECUTABLE x;
     x.table->freeze_segnum();
