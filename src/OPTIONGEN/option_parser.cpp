@@ -45,7 +45,10 @@ void deprecated_case(std::string_view text, std::string_view correct) {
     if (text == correct) return;
     const std::string written = "-" + std::string(text);
     const std::string wanted = "-" + std::string(correct);
-    DIAG_REPORT(optgen_case_insensitivity_deprecated, written, wanted);
+    DIAG::optgen_case_insensitivity_deprecated message(__FILE__, __LINE__, written, wanted);
+    if (DIAGNOSTIC::verbose_m && written == "-T")
+        message.set_hint("; a command file is named without an option");
+    message.report();
 }
 
 [[noreturn]] void bad_value(const OPTION_DEF& def, const char* option) {

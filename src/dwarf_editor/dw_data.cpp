@@ -14,18 +14,12 @@ using namespace OFE;
 
 namespace DWE {
 
-namespace {
-
-constexpr unsigned SHF_COMPRESSED = 0x800;
-
-} // namespace
-
 DW_DATA::DW_DATA(OBJECT_FILE* file, const char* section_name) {
     OF_SECTION_TABLE* table = file->section_table();
     OF_RAW_SECTION raw;
     for (unsigned id = 1; table && id < table->scnnum(); ++id) {
         if (!table->raw_section(id, raw) || strcmp(raw.name, section_name) != 0) continue;
-        OF_SECTION* section = raw.flags & SHF_COMPRESSED ? nullptr : table->section(id);
+        OF_SECTION* section = table->section(id);
         if (!section || !section->initialized()) return;
         OF_BYTES bytes = section->bytes();
         bytes_ = bytes.data;

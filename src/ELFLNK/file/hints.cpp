@@ -33,9 +33,10 @@ constexpr FOREIGN foreign_options[] = {
 constexpr FOREIGN foreign_commands[] = {
     {"ENTRY", "--entry_point=symbol names the entry point"},
     {"INPUT", "files are named as they are"},
+    {"KEEP", "--retain=*(.name) keeps sections"},
     {"OUTPUT_ARCH", "the inputs settle what the output is"},
     {"OUTPUT_FORMAT", "the inputs settle what the output is"},
-    {"PROVIDE", "a symbol is defined by name = value;"},
+    {"PROVIDE", "WEAK(name) = value; defines a symbol that no file defines"},
     {"SEARCH_DIR", "--search_path=dir adds a folder to the search path"},
 };
 

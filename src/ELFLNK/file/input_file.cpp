@@ -18,6 +18,15 @@
 #include <memory>
 #include <sys/stat.h>
 
+namespace {
+
+/// Intermediate code of LLVM; its first byte is that of a text.
+bool is_bitcode(std::span<const uint8_t> all) {
+    return all.size() >= 4 && memcmp(all.data(), "BC\xC0\xDE", 4) == 0;
+}
+
+} // namespace
+
 unsigned INPUT_FILE::next_file_id_m = 0;
 
 INPUT_FILE::INPUT_FILE(const char* name, const SOURCE_POSITION* position)
@@ -59,7 +68,11 @@ INPUT_FILE* INPUT_FILE::identify() {
     if (ARCHIVE_FILE* archive = identify_as_ar()) return archive;
     if (OBJ_FILE* object = identify_member_as_obj(0, 0, name_)) return object;
     if (COMMAND_FILE* text = identify_as_ascii()) return text;
-    DIAG_REPORT_AT(&position_, elnk_unrecognized_file, name_);
+    DIAG::elnk_unrecognized_file message(__FILE__, __LINE__, name_);
+    message.set_src(&position_);
+    if (DIAGNOSTIC::verbose_m && is_bitcode(file_->contents()))
+        message.set_hint("; it is what clang makes with -flto: compile without");
+    message.report();
     return nullptr;
 }
 
@@ -99,7 +112,7 @@ OBJ_FILE* INPUT_FILE::identify_member_as_obj(uint64_t offset, uint64_t size,
 COMMAND_FILE* INPUT_FILE::identify_as_ascii() {
     const std::span<const uint8_t> all = file_->contents();
     constexpr uint8_t LAST_TEXT_BYTE = 126;
-    if (all.empty() || all[0] == 0 || all[0] > LAST_TEXT_BYTE) return nullptr;
+    if (all.empty() || all[0] == 0 || all[0] > LAST_TEXT_BYTE || is_bitcode(all)) return nullptr;
     return new COMMAND_FILE(*this);
 }
 

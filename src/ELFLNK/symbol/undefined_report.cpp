@@ -70,6 +70,26 @@ void add_details(TEXT_TABLE& table, int first_row, const std::vector<UNDEFINED_S
     }
 }
 
+/// What the names tell of the reason: how a file was compiled, or what other linkers define.
+std::string reason_hint(const std::vector<UNDEFINED_SYMBOL>& undefined) {
+    auto is_wanted = [&](std::string_view start) {
+        return std::any_of(undefined.begin(), undefined.end(), [&](const UNDEFINED_SYMBOL& entry) {
+            return std::string_view(entry.symbol->name()).starts_with(start);
+        });
+    };
+    std::string text;
+    const uint32_t slim = global_symbols.find_id("__gnu_lto_slim");
+    if (slim != NAME_TABLE::NO_NAME && global_symbols.def_of(slim) != nullptr)
+        text += std::string("; \"") + symbol_file_name(global_symbols.def_of(slim)) +
+                "\" holds no code but what -flto leaves for later: compile with -ffat-lto-objects";
+    if (is_wanted("_GLOBAL_OFFSET_TABLE_"))
+        text += "; code compiled with -fPIC wants a table of addresses, which is not made";
+    if (is_wanted("__start_") || is_wanted("__stop_"))
+        text += "; RUN_START(__start_name), RUN_END(__stop_name) behind an output section define "
+                "its ends";
+    return text;
+}
+
 } // namespace
 
 void report_undefined_symbols(std::vector<UNDEFINED_SYMBOL> undefined) {
@@ -94,5 +114,7 @@ void report_undefined_symbols(std::vector<UNDEFINED_SYMBOL> undefined) {
     fputc('\n', stderr);
     table.print(stderr);
     fputc('\n', stderr);
-    DIAG_REPORT(elnk_symref_errors);
+    DIAG::elnk_symref_errors message(__FILE__, __LINE__);
+    if (DIAGNOSTIC::verbose_m) message.set_hint(reason_hint(undefined));
+    message.report();
 }

@@ -38,6 +38,9 @@ void swap_Elf32_Shdr(Elf32_Shdr& r) {
     toggle_all(r.sh_name, r.sh_type, r.sh_flags, r.sh_addr, r.sh_offset, r.sh_size, r.sh_link,
                r.sh_info, r.sh_addralign, r.sh_entsize);
 }
+void swap_Elf32_Chdr(Elf32_Chdr& r) {
+    toggle_all(r.ch_type, r.ch_size, r.ch_addralign);
+}
 void swap_Elf32_Sym(Elf32_Sym& r) {
     toggle_all(r.st_name, r.st_value, r.st_size, r.st_shndx);
 }
@@ -71,6 +74,7 @@ void swap_Elf32_PHattr(Elf32_PHattr& r) {
 OFE_ELF32_RECORD(Elf32_Ehdr)
 OFE_ELF32_RECORD(Elf32_Phdr)
 OFE_ELF32_RECORD(Elf32_Shdr)
+OFE_ELF32_RECORD(Elf32_Chdr)
 OFE_ELF32_RECORD(Elf32_Sym)
 OFE_ELF32_RECORD(Elf32_Rel)
 OFE_ELF32_RECORD(Elf32_Rela)

@@ -18,6 +18,7 @@
 #include "OBJEDIT04/elf/segments/elf_segment_table.h"
 #include "OBJEDIT04/machine/machine_db.h"
 #include "UTIL/data_map.h"
+#include "UTIL/inflate.h"
 #include "UTIL/savestr.h"
 
 namespace OFE {
@@ -198,13 +199,32 @@ unsigned ELF_SECTION::file_bytes_size() {
 
 OF_BYTES ELF_SECTION::file_bytes() {
     if (!in_file_ || !initialized() || shdr_.sh_size == 0) return {};
+    if (packed_) return unpacked_bytes();
     if (!ofile()->in_image(shdr_.sh_offset, shdr_.sh_size)) return {};
     return {ofile()->image().data + shdr_.sh_offset, shdr_.sh_size};
+}
+
+void ELF_SECTION::take_packed(const Elf32_Shdr& header, unsigned packed_size) {
+    take_header(header);
+    packed_ = std::make_unique<PACKED>(PACKED{packed_size, {}});
+}
+
+OF_BYTES ELF_SECTION::unpacked_bytes() {
+    std::vector<uint8_t>& bytes = packed_->bytes;
+    if (bytes.empty()) {
+        bytes.resize(shdr_.sh_size);
+        const uint8_t* packed = ofile()->image().data + shdr_.sh_offset;
+        if (!inflate_zlib({packed + ELF_CHDRSIZE, packed_->size - ELF_CHDRSIZE}, bytes))
+            ofile()->set_error(OF_ERROR_CORRUPT, "section \"%s\" is damaged: it can't be unpacked",
+                               name());
+    }
+    return {bytes.data(), bytes.size()};
 }
 
 int ELF_SECTION::clear() {
     if (max_state(OF_STATE_OPEN) != 0) return -1;
     companion_.reset();
+    packed_.reset();
     drop_raw_data();
     shdr_ = {};
     in_file_ = false;

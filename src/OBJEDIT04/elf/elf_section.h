@@ -7,6 +7,7 @@
 #include "OBJEDIT04/ofe/of_section.h"
 #include "UTIL/oalloc.h"
 #include <memory>
+#include <vector>
 
 namespace OFE {
 
@@ -105,6 +106,9 @@ class ELF_SECTION final : public OF_SECTION, public OALLOC<ELF_SECTION> {
         shdr_ = header;
         in_file_ = true;
     }
+    // Of a section that is compressed in the file: there it is `packed_size` bytes, while the
+    // header speaks of what they unpack to.
+    void take_packed(const Elf32_Shdr& header, unsigned packed_size);
 
     void generate_text_info(TEXT_TABLE& table) override;
     const char* sh_type_name(unsigned type);
@@ -130,7 +134,13 @@ class ELF_SECTION final : public OF_SECTION, public OALLOC<ELF_SECTION> {
 
   private:
     bool make_companion();
+    OF_BYTES unpacked_bytes();
     int take_special_row(const char* name, unsigned clear_flags);
+
+    struct PACKED {
+        unsigned size;              // in the file, with its header
+        std::vector<uint8_t> bytes; // unpacked on first use
+    };
 
     Elf32_Shdr shdr_{};
     unsigned load_addr_ = 0; // 0: the run address
@@ -140,6 +150,7 @@ class ELF_SECTION final : public OF_SECTION, public OALLOC<ELF_SECTION> {
     bool in_segment_ = false;
     bool in_file_ = false; // the contents stand in the file at sh_offset
     std::unique_ptr<OF_STATE_MACHINE> companion_;
+    std::unique_ptr<PACKED> packed_;
 };
 
 ELF_SECTION* elf_api(OF_SECTION* section);

@@ -142,6 +142,11 @@ unsigned least_entsize(unsigned type) {
     }
 }
 
+// Compressed by the compiler. What is linked is unpacked, and seen unpacked from the start.
+bool is_packed(const Elf32_Shdr& h) {
+    return (h.sh_flags & SHF_COMPRESSED) && h.sh_type == SHT_PROGBITS && !(h.sh_flags & SHF_ALLOC);
+}
+
 } // namespace
 
 int ELF_SECTION_TABLE::check_headers() {
@@ -172,12 +177,38 @@ int ELF_SECTION_TABLE::check_headers() {
             fault = "its sh_info names no section";
         else if (h.sh_entsize && h.sh_entsize < least_entsize(h.sh_type))
             fault = "its entries are too small";
+        if (!fault && is_packed(h)) fault = packed_fault(h);
         if (!fault) continue;
         file->set_error(OF_ERROR_CORRUPT, "section %u (\"%s\") is damaged: %s", i,
                         names_ && h.sh_name < names_limit_ ? names_ + h.sh_name : "", fault);
         return -1;
     }
     return 0;
+}
+
+Elf32_Chdr ELF_SECTION_TABLE::packed_header(const Elf32_Shdr& h) const {
+    Elf32_Chdr packed;
+    load_Elf32_Chdr(elf_file()->image().data + h.sh_offset, packed, elf_file()->swap());
+    return packed;
+}
+
+// A byte of a zlib stream makes at most 1032, so that no header asks for more memory than that.
+const char* ELF_SECTION_TABLE::packed_fault(const Elf32_Shdr& h) const {
+    if (h.sh_size < ELF_CHDRSIZE) return "it is too small for a compressed section";
+    const Elf32_Chdr packed = packed_header(h);
+    if (packed.ch_type != ELFCOMPRESS_ZLIB) return "it is compressed by another method than zlib";
+    if (packed.ch_size / 1032 > h.sh_size) return "its unpacked size is too large";
+    if (packed.ch_addralign & (packed.ch_addralign - 1)) return "its alignment is not a power of 2";
+    return nullptr;
+}
+
+Elf32_Shdr ELF_SECTION_TABLE::unpacked_header(const Elf32_Shdr& h) const {
+    const Elf32_Chdr packed = packed_header(h);
+    Elf32_Shdr out = h;
+    out.sh_flags &= ~unsigned{SHF_COMPRESSED};
+    out.sh_size = packed.ch_size;
+    out.sh_addralign = packed.ch_addralign;
+    return out;
 }
 
 bool ELF_SECTION_TABLE::raw_header(unsigned id, Elf32_Shdr& out) const {
@@ -213,7 +244,10 @@ int ELF_SECTION_TABLE::load_section_into_mem(unsigned id) {
     raw_header(id, h);
     const char* name = raw_name(id);
     auto* s = new ELF_SECTION(this, id);
-    s->take_header(h);
+    if (is_packed(h))
+        s->take_packed(unpacked_header(h), h.sh_size);
+    else
+        s->take_header(h);
     s->set_name_view(name);
     s->set_unit_size(name);
     sections_[id] = s;
@@ -228,6 +262,7 @@ int ELF_SECTION_TABLE::load_section_into_mem(unsigned id) {
 bool ELF_SECTION_TABLE::raw_section(unsigned id, OF_RAW_SECTION& out) {
     Elf32_Shdr h;
     if (!raw_header(id, h)) return false;
+    if (!sections_[id] && is_packed(h)) h = unpacked_header(h);
     out.name = raw_name(id);
     out.id = id;
     out.type = h.sh_type;

@@ -94,6 +94,11 @@ class ELF_SECTION_TABLE final : public OF_SECTION_TABLE {
 
   private:
     int check_headers();
+    // A section that is compressed in the file: what its header says, what is wrong with it (null:
+    // nothing), and the section's header with what it is unpacked.
+    Elf32_Chdr packed_header(const Elf32_Shdr& h) const;
+    const char* packed_fault(const Elf32_Shdr& h) const;
+    Elf32_Shdr unpacked_header(const Elf32_Shdr& h) const;
     OF_SYMBOL_TABLE* linked_symbols(unsigned link);
     unsigned header_word(unsigned id, size_t offset) const; // of one that exists
     void drop_group(unsigned id);

@@ -31,6 +31,10 @@ struct Elf32_Rela {
     uint32_t r_offset, r_info;
     int32_t r_addend;
 };
+// In front of the contents of a section with SHF_COMPRESSED.
+struct Elf32_Chdr {
+    uint32_t ch_type, ch_size, ch_addralign;
+};
 
 // An attribute of a segment.
 struct Elf32_PHattr {
@@ -40,9 +44,10 @@ struct Elf32_PHattr {
 
 inline constexpr unsigned ELF_EHSIZE = 52, ELF_PHENTSIZE = 32, ELF_SHENTSIZE = 40, ELF_SYMSIZE = 16;
 inline constexpr unsigned ELF_RELSIZE = 8, ELF_RELASIZE = 12, ELF_PHATTRSIZE = 8;
+inline constexpr unsigned ELF_CHDRSIZE = 12, ELFCOMPRESS_ZLIB = 1;
 static_assert(sizeof(Elf32_Ehdr) == ELF_EHSIZE && sizeof(Elf32_Phdr) == ELF_PHENTSIZE);
 static_assert(sizeof(Elf32_Shdr) == ELF_SHENTSIZE && sizeof(Elf32_Sym) == ELF_SYMSIZE);
-static_assert(sizeof(Elf32_PHattr) == ELF_PHATTRSIZE);
+static_assert(sizeof(Elf32_PHattr) == ELF_PHATTRSIZE && sizeof(Elf32_Chdr) == ELF_CHDRSIZE);
 static_assert(sizeof(Elf32_Rel) == ELF_RELSIZE && sizeof(Elf32_Rela) == ELF_RELASIZE);
 
 enum : unsigned { EI_CLASS = 4, EI_DATA = 5, EI_VERSION = 6, EI_OSABI = 7 };

@@ -35,6 +35,25 @@ fatal error: unrecognized file:  "noise.bin"
 --display_error_number a.o high.bin ok.cmd -o out.elf
 --- stderr
 fatal error #10004: unrecognized file:  "high.bin"
+--- case intermediate code of LLVM, which begins like a text
+--- hex code.bc
+42 43 C0 DE 0A
+--- args
+--verbose_diagnostics a.o code.bc ok.cmd -o out.elf
+--- stderr
+fatal error: unrecognized file:  "code.bc"; it is what clang makes with -flto:
+   compile without
+--- case an object of GCC that holds intermediate code alone
+--- slim.c -flto
+void wanted(void) {}
+--- user.s
+    .global _start
+_start: .word wanted
+--- args
+--verbose_diagnostics user.o slim.o ok.cmd -o out.elf
+--- stderr has
+error: unresolved symbols remain; "slim.o" holds no code but what -flto leaves
+   for later: compile with -ffat-lto-objects
 --- case a file that is not there
 --- args
 --display_error_number a.o nowhere.o ok.cmd -o out.elf
