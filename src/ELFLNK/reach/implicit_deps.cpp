@@ -2,7 +2,6 @@
 // the other way from the relocations that reveal them, so one raw walk over the sections that may
 // hold such relocations finds them all.
 #include <algorithm>
-#include <cstring>
 #include <string_view>
 
 #include "ELFLNK/reach/for_each_reloc.h"
@@ -19,10 +18,14 @@ using OFE::OF_RAW_SECTION;
 
 namespace {
 
-bool is_debug_index(const char* name) {
+/// The debug section that a debug section of this name is kept with, or an empty text: an index
+/// with the unit that it indexes, and a unit of DWARF 5, which names code by a number alone, with
+/// the table of the addresses.
+std::string_view tied_to(std::string_view name) {
+    if (name.starts_with(".debug_info")) return ".debug_addr";
     for (std::string_view prefix : {".debug_aranges", ".debug_pubnames", ".debug_pubtypes"})
-        if (std::strncmp(name, prefix.data(), prefix.size()) == 0) return true;
-    return false;
+        if (name.starts_with(prefix)) return ".debug_info";
+    return {};
 }
 
 } // namespace
@@ -65,7 +68,7 @@ void REGISTRAR::find_implicit_deps() {
 // section. What walk_section will have to follow is listed along the way.
 void REGISTRAR::add_debug_deps(FILE_STATE& file, const OF_RAW_SECTION& section) {
     const KEY holder = key_of(file, section.id);
-    const bool is_index = is_debug_index(section.name);
+    const std::string_view tie = tied_to(section.name);
     bool is_listed = !records_references_ && !relocs_stay_;
     for_each_symbol_reloc(file, section.id, [&](const OF_RAW_RELOC& reloc) {
         if (reloc.sym_id < met_by_.size()) {
@@ -79,7 +82,7 @@ void REGISTRAR::add_debug_deps(FILE_STATE& file, const OF_RAW_SECTION& section) 
             target.file = &file;
         else
             target = target_of(file, reloc.sym_id);
-        add_debug_dep(target, holder, is_index);
+        add_debug_dep(target, holder, tie);
         if (!debug_keeps(target)) return;
         if (is_local && !(file.bits[target.section_id] & OMDATA))
             debug_refs_.add(holder, key_of(file, target.section_id));
@@ -89,7 +92,7 @@ void REGISTRAR::add_debug_deps(FILE_STATE& file, const OF_RAW_SECTION& section) 
     if (is_listed) file.bits[section.id] |= REFS_LISTED;
 }
 
-void REGISTRAR::add_debug_dep(const TARGET_REF& target, KEY holder, bool is_index) {
+void REGISTRAR::add_debug_dep(const TARGET_REF& target, KEY holder, std::string_view tie) {
     if (!target.file) return;
     if (!target.has_section()) {
         if (target.sym &&
@@ -99,11 +102,9 @@ void REGISTRAR::add_debug_dep(const TARGET_REF& target, KEY holder, bool is_inde
     }
     if (target.is_absent()) return;
     if (target.file->bits[target.section_id] & DEBUG_DATA) {
-        // An index section is kept with the unit that it indexes; other ties among debug sections
-        // don't count here.
         OF_RAW_SECTION other;
-        if (!is_index || !target.file->sections->raw_section(target.section_id, other) ||
-            std::strncmp(other.name, ".debug_info", 11) != 0)
+        if (tie.empty() || !target.file->sections->raw_section(target.section_id, other) ||
+            !std::string_view(other.name).starts_with(tie))
             return;
     }
     section_deps_.add(key_of(*target.file, target.section_id), holder);

@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string_view>
 #include <unordered_set>
 #include <utility>
 #include <vector>
@@ -157,7 +158,7 @@ class REGISTRAR {
     // Implicit dependences.
     void find_implicit_deps();
     void add_debug_deps(FILE_STATE& file, const OFE::OF_RAW_SECTION& section);
-    void add_debug_dep(const TARGET_REF& target, KEY holder, bool is_index);
+    void add_debug_dep(const TARGET_REF& target, KEY holder, std::string_view tie);
     void add_metadata_deps(FILE_STATE& file, const OFE::OF_RAW_SECTION& section);
 
     // Relocations.

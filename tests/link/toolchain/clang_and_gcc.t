@@ -1,4 +1,4 @@
-Objects of clang, of GCC and of hand-written assembly link into one program; addends in MOVW/MOVT pairs are taken as they stand.
+Objects of clang, of GCC and of hand-written assembly link into one program; addends in MOVW/MOVT pairs are taken as they stand, and clang's debug information, which names code through a table of addresses, comes along.
 --- start.s
     .syntax unified
     .section .vectors, "a", %progbits
@@ -31,7 +31,7 @@ void show(const char *text) {
     register const char *r1 __asm__("r1") = text;
     __asm__ volatile("bkpt 0xab" : "+r"(r0) : "r"(r1) : "memory");
 }
---- code.c clang -mcpu=cortex-m3 -mthumb -fshort-enums -O1 -ffunction-sections
+--- code.c clang -mcpu=cortex-m3 -mthumb -fshort-enums -O1 -ffunction-sections -gdwarf-5
 extern const char *const table[];
 const char *from_clang(void) { return table[2]; }
 --- link.cmd
@@ -47,6 +47,8 @@ SECTIONS
 }
 --- args
 start.o gcc.o code.o link.cmd -o out.elf
+--- readelf -SW
+.debug_info PROGBITS
 --- entry
 0x9
 --- run mps2-an385
