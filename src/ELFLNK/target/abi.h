@@ -348,7 +348,7 @@ class ABI {
                                    bool create);
     /// Assigns `name` an address operator (an EXPR_OPCODE) of `object`.
     static void assign_address(const char* name, int opcode, LINKER_OBJECT* object);
-    /// Assigns `name` the value -1, on the root, if nothing in the link defines it.
+    /// Assigns `name` the value -1, on the root.
     void bind_invalid(const char* name);
     /// True for a link that is neither partial nor a dynamic library.
     static bool is_final_executable_link();

@@ -29,10 +29,6 @@ void ABI::assign_address(const char* name, int opcode, LINKER_OBJECT* object) {
 }
 
 void ABI::bind_invalid(const char* name) {
-    // The program may have something of that name: then it means its own.
-    if (const OFE::OF_SYMBOL* own = global_symbols.lookup_def(name);
-        own != nullptr && root_collection->symbol_is_in_link(own))
-        return;
     root_collection->add_linker_assignment(name, EXPRESSION::minusone(data_address_bit_size()),
                                            EXPR_BIND_STRONG);
 }

@@ -67,26 +67,3 @@ a.o link.cmd fill.cmd --arg_size=16 -o out.elf
 warning: fill value of 0 required for section ".args" (ff overridden)
 --- bytes .args
 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00
---- case a program's own function or value of a name that means "there is none" stays
---- own.s
-    .thumb
-    .section .text._start, "ax"
-    .thumb_func
-    .global _start, binit
-_start: bl binit
-    .word __binit__, __c_args__
-    .section .text.binit, "ax"
-    .thumb_func
-binit: bx lr
---- own.cmd
-__c_args__ = 0x1234;
-MEMORY { FLASH : origin = 0x100, length = 0x1000 }
-SECTIONS { .text : { *(.text._start) *(.text.binit) } > FLASH }
---- args
-own.o own.cmd -e _start -o out.elf
---- sym
-binit 0x10D .text
-__binit__ 0xFFFFFFFF
-__c_args__ 0x1234
---- bytes .text
-00 F0 04 F8  FF FF FF FF  34 12 00 00  70 47
