@@ -8,7 +8,6 @@
 #include "ELFLNK/locator/locator.h"
 #include "ELFLNK/memmap/memory_map.h"
 #include "ELFLNK/object/collection.h"
-#include "ELFLNK/object/section.h"
 #include "ELFLNK/target/abi.h"
 #include "ELFLNK/target/target.h"
 #include "OPTIONGEN/option_obj.h"
@@ -28,13 +27,6 @@ std::string join_names(const std::vector<LINKER_OBJECT*>& objects) {
 
 bool is_dot_expression(const LINKER_OBJECT* object) {
     return object->is_dot_expression();
-}
-
-/// A piece of _init or _fini: each file adds some instructions, and the code runs through all.
-bool is_function_piece(LINKER_OBJECT* object) {
-    if (!object->is_section() || !object->has_attr(PA_EXEC)) return false;
-    const std::string_view name = static_cast<const SECTION*>(object)->input_name();
-    return name == ".init" || name == ".fini";
 }
 
 } // namespace
@@ -58,13 +50,10 @@ void LOCATOR::analyze() {
     if (is_virtual() && object_->has_attr(PA_P3_PLACEMENT)) set_flag(LF_BEHIND_LAST);
 }
 
-/// Pieces of a function stay in the order of the files. Dot counts from the start of the section:
-/// the members stay in order, and blocking that a first member needs must hold for the section
-/// itself.
+/// Dot counts from the start of the section: the members stay in order, and blocking that a first
+/// member needs must hold for the section itself.
 void LOCATOR::analyze_collection(COLLECTION* collection) {
     const MEMBER_LIST& members = collection->members();
-    if (!members.empty() && std::all_of(members.begin(), members.end(), is_function_piece))
-        set_flag(LF_ORDERED);
     if (!is_overlay() && collection->has_member(is_dot_expression)) {
         set_flag(LF_ORDERED);
         bool from_the_start = members.front()->is_dot_expression();

@@ -2,6 +2,7 @@
 #include "OBJEDIT04/elf/elf_section.h"
 
 #include <cstring>
+#include <zlib.h>
 
 #include "OBJEDIT04/attributes/build_attr_table.h"
 #include "OBJEDIT04/elf/elf_file.h"
@@ -18,7 +19,6 @@
 #include "OBJEDIT04/elf/segments/elf_segment_table.h"
 #include "OBJEDIT04/machine/machine_db.h"
 #include "UTIL/data_map.h"
-#include "UTIL/inflate.h"
 #include "UTIL/savestr.h"
 
 namespace OFE {
@@ -214,7 +214,10 @@ OF_BYTES ELF_SECTION::unpacked_bytes() {
     if (bytes.empty()) {
         bytes.resize(shdr_.sh_size);
         const uint8_t* packed = ofile()->image().data + shdr_.sh_offset;
-        if (!inflate_zlib({packed + ELF_CHDRSIZE, packed_->size - ELF_CHDRSIZE}, bytes))
+        uLongf size = shdr_.sh_size;
+        const int result =
+            uncompress(bytes.data(), &size, packed + ELF_CHDRSIZE, packed_->size - ELF_CHDRSIZE);
+        if (result != Z_OK || size != shdr_.sh_size)
             ofile()->set_error(OF_ERROR_CORRUPT, "section \"%s\" is damaged: it can't be unpacked",
                                name());
     }

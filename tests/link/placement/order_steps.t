@@ -245,24 +245,3 @@ a.o link.cmd -o out.elf -e _start --unused_section_elimination=off --no_placemen
 .p1 0x100 4
 .p2 0x104 0x90
 .n 0x194 0x40
---- case the pieces of _init stay in the order of the files, as each runs on into the next
---- begin.s
-    .section .init, "ax"
-    .globl _init
-_init: .word 1
-    .section .fini, "ax"
-    .word 4
---- end.s
-    .section .init, "ax"
-    .word 2, 3
-    .section .fini, "ax"
-    .word 5, 6
---- link.cmd
-MEMORY { A : origin = 0x100, length = 0x1000 }
-SECTIONS { .init : { *(.init) } > A  .text : { *(.start) *(.fini) } > A }
---- args
-begin.o a.o end.o link.cmd -o out.elf -e _start
---- bytes .init
-01000000 02000000 03000000
---- bytes .text
-00000000 04000000 05000000 06000000
