@@ -189,6 +189,7 @@ void sort_worklist(LOCATOR_LIST& list, bool use_priorities, ORDER_WATCH* watch) 
             no_wish_elsewhere |= std::ranges::any_of(bucket[rest], has_no_wish);
         }
         watch->note(context, all);
+        watch->note_no_order(has_no_order(list));
     }
     if (global_opts->isopt(OPT_no_placement_optimization)) {
         // Without one carrier the others stand elsewhere.
@@ -232,6 +233,7 @@ void ORDER_WATCH::note(const ORDER_CONTEXT& context, const std::vector<ORDER_KEY
 }
 
 bool ORDER_WATCH::stands_after(const LOCATOR* placed) const {
+    if (no_order_) return true;
     if (!may_stand_ || memory_map->size() != map_size_) return false;
     const LINKER_OBJECT* object = placed->object();
     if (placed->is_run() &&

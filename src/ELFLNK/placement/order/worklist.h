@@ -10,7 +10,7 @@ struct ORDER_KEY;
 /// it. Among objects that can use the same ranges the larger goes first however full those are,
 /// and between objects of disjoint ranges the order doesn't matter. So the order stands while
 /// everybody still fits where it fitted, and no run placement is done that a load placement waits
-/// for.
+/// for. Objects without memory, as all of a partial link can be, stand in any order.
 class ORDER_WATCH {
   public:
     /// The list has just been sorted with these keys.
@@ -19,6 +19,8 @@ class ORDER_WATCH {
     bool stands_after(const LOCATOR* placed) const;
     /// Nothing but the room in ranges can change the order that was noted.
     bool may_stand() const { return may_stand_; }
+    /// The list has just been sorted; does nobody in it use memory?
+    void note_no_order(bool none) { no_order_ = none; }
     /// The order changes with each object that is taken from the list.
     void forget() { may_stand_ = false; }
 
@@ -28,6 +30,7 @@ class ORDER_WATCH {
         uint64_t size; ///< of the largest object that counts on the range
     };
     bool may_stand_ = false;
+    bool no_order_ = false; ///< nobody in the list uses memory
     size_t map_size_ = 0;
     std::vector<NEED> needs_;
     std::vector<const LINKER_OBJECT*> loads_; ///< objects whose load placement is in the list
