@@ -2,8 +2,9 @@
 """A link that cannot end leaves nothing that could be taken for its output.
 
 The disk is full, the size of a file is limited, or a signal comes at any moment: under the output's name there is either
-nothing, or what stood there before, or the whole file, and where the linker can still act, nothing else is left either. The
-program that is linked is large, so that much of the link is writing, and most of the moments lie there.
+nothing, or what stood there before, or the whole file, and where the linker can still act, nothing else is left either. A
+symbolic link under that name leads to the new file, and a pipe gets the whole of it. The program that is linked is large,
+so that much of the link is writing, and most of the moments lie there.
 
     partial_output_test.py --qvlink build/release/qvlink --work /tmp/partial --in build/bench/L inputs.cmd base.cmd
 
@@ -111,6 +112,23 @@ def check_signal(opts, mode, sig, delay, writes, whole, old):
     return process.returncode != 0
 
 
+def check_link_and_pipe(opts, mode, whole):
+    """A symbolic link stays, and the file behind it is the new one; a pipe carries the same bytes."""
+    linker = Linker(opts, "names", mode)
+    real = linker.folder / "real.elf"
+    real.write_bytes(b"old")
+    linker.out.symlink_to("real.elf")
+    subprocess.run(linker.command, cwd=linker.inputs, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, timeout=120)
+    if not linker.out.is_symlink() or real.read_bytes() != whole or linker.left() != ["out.elf", "real.elf"]:
+        raise Failed(f"a link as output, {mode}: the link left {linker.left()}")
+    linker.out.unlink()
+    os.mkfifo(linker.out)
+    process = subprocess.Popen(linker.command, cwd=linker.inputs, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    got = subprocess.run(["cat", str(linker.out)], stdout=subprocess.PIPE, timeout=120).stdout
+    if process.wait(timeout=120) != 0 or got != whole:
+        raise Failed(f"a pipe as output, {mode}: status {process.returncode}, {len(got)} of {len(whole)} bytes")
+
+
 def undisturbed(opts, mode):
     """The file, and when the linker began to write it and had ended, in seconds from its start."""
     linker = Linker(opts, "whole", mode)
@@ -167,7 +185,8 @@ def main():
         # Others may be at work on the machine: the quickest of some.
         whole, writing, duration = min((undisturbed(opts, mode) for _ in range(5)), key=lambda link: link[2])
         print(f"{mode}: {len(whole)} bytes, written from {writing:.3f} to {duration:.3f} s")
-        for check, times in (check_limit, ()), (check_full_disk, ()), (check_signals, (writing, duration)):
+        for check, times in ((check_link_and_pipe, ()), (check_limit, ()), (check_full_disk, ()),
+                             (check_signals, (writing, duration))):
             try:
                 check(opts, mode, whole, *times)
             except Failed as e:

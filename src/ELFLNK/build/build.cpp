@@ -6,6 +6,7 @@
 #include <cstring>
 #include <ctime>
 #include <map>
+#include <unordered_set>
 
 #include "DIAG/elnk_msgs.h"
 #include "ELFLNK/build/build_state.h"
@@ -41,6 +42,7 @@ register_option debug_ifile("debug:internal_file");
 
 std::vector<LINKER_OBJECT*> leaves;
 bool debug_in_group = false;
+std::unordered_set<OF_SYMBOL*> group_signatures;
 
 // What decides the place of a leaf, worked out once. Input sections come file by file, a file's
 // debug sections last; then the others by their place in the output.
@@ -122,6 +124,7 @@ OF_GROUP_TABLE* new_output_group(OF_GROUP_TABLE* input) {
             final->set_binding(OF_SYM_BINDING_LOCAL);
         }
         group->set_symbol(final);
+        group_signatures.insert(final);
     }
     return group;
 }
@@ -219,6 +222,10 @@ const std::vector<LINKER_OBJECT*>& leaf_objects() {
 
 bool debug_section_in_group() {
     return debug_in_group;
+}
+
+bool is_group_signature(OF_SYMBOL* symbol) {
+    return group_signatures.contains(symbol);
 }
 
 bool scn_in_comdat_group(OF_SECTION* section) {

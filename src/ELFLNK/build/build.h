@@ -42,6 +42,9 @@ bool debug_section_in_group();
 // The section has a group with the COMDAT flag.
 bool scn_in_comdat_group(OFE::OF_SECTION* section);
 
+// Groups of a file for a further link are known by this symbol's name. Known after build().
+bool is_group_signature(OFE::OF_SYMBOL* symbol);
+
 // Symbols. lookup: the input symbol that an output symbol was made from, or null.
 OFE::OF_SYMBOL* lookup_input_symbol_from_output(OFE::OF_SYMBOL* output);
 bool symbol_needs_final_value(OFE::OF_SYMBOL* symbol);

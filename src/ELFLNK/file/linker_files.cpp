@@ -30,13 +30,14 @@ bool is_writable(const char* name, bool exists) {
 
 /// Ends the link if the output cannot be written. What an earlier link left is removed: it must not
 /// be taken for the result of this one, nor may an empty file. Nothing is opened, since the name
-/// may be that of an input that is mapped; what is no regular file (/dev/null) stays.
+/// may be that of an input that is mapped; what is no regular file (/dev/null) stays, and so does a
+/// symbolic link with the file that it leads to.
 void check_writable(const char* name) {
     struct stat info;
     const bool exists = stat(name, &info) == 0;
     if (!is_writable(name, exists) || (exists && S_ISDIR(info.st_mode)))
         DIAG_REPORT(elnk_open_outfile, name);
-    else if (exists && S_ISREG(info.st_mode))
+    else if (exists && lstat(name, &info) == 0 && S_ISREG(info.st_mode))
         unlink(name);
 }
 

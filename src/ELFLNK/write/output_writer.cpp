@@ -13,6 +13,7 @@
 
 #include "ELFLNK/write/write.h"
 #include "UTIL/file_handle_manager.h"
+#include "UTIL/filename.h"
 
 namespace {
 
@@ -62,6 +63,32 @@ mode_t creation_mask() {
     return mask;
 }
 
+// The file that the links in a name lead to; empty when there is none of that name, as of standard
+// output that goes to a deleted file.
+std::string behind_links(const char* name, const struct stat& info) {
+    char* path = realpath(name, nullptr);
+    std::string file = path != nullptr ? path : "";
+    free(path);
+    struct stat found;
+    if (file.empty() || stat(file.c_str(), &found) != 0 || found.st_ino != info.st_ino ||
+        found.st_dev != info.st_dev)
+        return {};
+    return file;
+}
+
+bool copy_file(const char* from, const char* to) {
+    FILE* in = fopen(from, "rb");
+    FILE* out = in != nullptr ? fopen(to, "wb") : nullptr;
+    bool good = out != nullptr;
+    char part[65536];
+    for (size_t size; good && (size = fread(part, 1, sizeof part, in)) != 0;)
+        good = fwrite(part, 1, size, out) == size;
+    if (in != nullptr) good = ferror(in) == 0 && good;
+    if (out != nullptr) good = fclose(out) == 0 && good;
+    if (in != nullptr) fclose(in);
+    return good;
+}
+
 } // namespace
 
 void remove_unfinished_output() {
@@ -74,12 +101,17 @@ OUTPUT_WRITER::~OUTPUT_WRITER() {
     if (!beside_.empty()) remove_unfinished_output();
 }
 
-bool OUTPUT_WRITER::open_beside() {
-    std::string path = std::string(name_) + ".XXXXXX";
+bool OUTPUT_WRITER::open_beside(bool pipe) {
     SIGNALS_HELD held;
-    int fd = mkstemp(path.data());
-    if (fd < 0) return false;
-    ::close(fd);
+    std::string path = target_ + ".XXXXXX";
+    if (pipe) {
+        path = fn_tmpnam();
+        if (path.empty()) return false;
+    } else {
+        int fd = mkstemp(path.data());
+        if (fd < 0) return false;
+        ::close(fd);
+    }
     beside_ = std::move(path);
     set_unfinished(beside_.c_str());
     return true;
@@ -93,8 +125,15 @@ FHM_FILE* OUTPUT_WRITER::open() {
         errno = EISDIR;
         return nullptr;
     }
-    bool may_replace = !exists || S_ISREG(info.st_mode);
-    bool beside = may_replace && open_beside();
+    bool may_replace = !exists;
+    if (exists && S_ISREG(info.st_mode)) {
+        std::string file = behind_links(name_, info);
+        may_replace = !file.empty();
+        if (may_replace) target_ = std::move(file);
+    }
+    pipe_ = exists && S_ISFIFO(info.st_mode);
+    bool beside = (may_replace || pipe_) && open_beside(pipe_);
+    if (pipe_ && !beside) return nullptr;
     if (!beside && !exists) set_unfinished(name_);
     return file_ = fhm_open(beside ? beside_.c_str() : name_, "wb+");
 }
@@ -104,14 +143,22 @@ void OUTPUT_WRITER::close() {
     file_ = nullptr;
 }
 
+// A file that somebody else put into a shared folder can be written, but not replaced.
+bool OUTPUT_WRITER::put_in_place() const {
+    if (!pipe_ && rename(beside_.c_str(), target_.c_str()) == 0) return true;
+    return copy_file(beside_.c_str(), name_) && unlink(beside_.c_str()) == 0;
+}
+
 bool OUTPUT_WRITER::commit(bool executable) {
     const char* written = beside_.empty() ? name_ : beside_.c_str();
     bool good = fhm_close(file_) == 0;
     file_ = nullptr;
     struct stat info;
+    // What is written in place may be somebody else's, and keeps its permissions then.
     if (good && stat(written, &info) == 0 && S_ISREG(info.st_mode))
-        good = chmod(written, (executable ? 0777 : 0666) & ~creation_mask()) == 0;
-    if (good && !beside_.empty()) good = rename(written, name_) == 0;
+        good =
+            chmod(written, (executable ? 0777 : 0666) & ~creation_mask()) == 0 || beside_.empty();
+    if (good && !beside_.empty()) good = put_in_place();
     if (good) unfinished[0] = '\0';
     if (good) beside_.clear();
     return good;
@@ -122,5 +169,5 @@ void OUTPUT_WRITER::discard() {
     if (!beside_.empty()) remove_unfinished_output();
     beside_.clear();
     struct stat info;
-    if (stat(name_, &info) == 0 && S_ISREG(info.st_mode)) unlink(name_);
+    if (stat(name_, &info) == 0 && S_ISREG(info.st_mode)) unlink(target_.c_str());
 }

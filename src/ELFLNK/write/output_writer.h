@@ -1,6 +1,7 @@
 // A file that takes its name only when it is complete. Bytes go to a file beside the name; commit()
-// gives it the name, and whatever ends the process before removes it. A name that is no regular
-// file (a device, a pipe) and one in a folder where no file can be made are written in place.
+// gives it the name, and whatever ends the process before removes it. Links to a file stay and lead
+// to the new one. A device, and a name in a folder where no file can be made, are written in place;
+// a pipe gets the bytes when they are complete, since writing goes to and fro.
 #pragma once
 
 #include <string>
@@ -9,7 +10,7 @@ class FHM_FILE;
 
 class OUTPUT_WRITER {
   public:
-    explicit OUTPUT_WRITER(const char* name) : name_(name) {}
+    explicit OUTPUT_WRITER(const char* name) : name_(name), target_(name) {}
     ~OUTPUT_WRITER();
     OUTPUT_WRITER(const OUTPUT_WRITER&) = delete;
     OUTPUT_WRITER& operator=(const OUTPUT_WRITER&) = delete;
@@ -23,10 +24,13 @@ class OUTPUT_WRITER {
     void discard();
 
   private:
-    bool open_beside();
+    bool open_beside(bool pipe);
+    bool put_in_place() const;
     void close();
 
     const char* name_;
+    std::string target_; // the file that the name leads to
     std::string beside_; // empty: written in place
+    bool pipe_ = false;
     FHM_FILE* file_ = nullptr;
 };

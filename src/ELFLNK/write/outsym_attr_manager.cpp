@@ -99,7 +99,9 @@ static bool is_mapping_symbol(OF_SYMBOL* symbol) {
 }
 
 bool OUTSYM_ATTR_MANAGER::needs_hiding(OF_SYMBOL* symbol) const {
-    if (symbol->kind() == OF_SYM_KIND_UNDEFINED || is_mapping_symbol(symbol)) return false;
+    if (symbol->kind() == OF_SYM_KIND_UNDEFINED || symbol->type() == OF_SYM_TYPE_SECTION ||
+        is_mapping_symbol(symbol))
+        return false;
     return decide({"hide", "--hide=", "--unhide=", hide_, unhide_}, symbol);
 }
 
@@ -135,6 +137,9 @@ void OUTSYM_ATTR_MANAGER::build_symbol_attr_lists() {
         if (!list) continue;
         if (in_comdat_section(symbol)) {
             comdat_.push_back(symbol);
+        } else if (list == &hidden_ && is_group_signature(symbol)) {
+            // The next link knows the group by this name.
+            if (is_visible_outside(symbol)) comdat_.push_back(symbol);
         } else {
             list->push_back(symbol);
             changed_.insert(symbol);
@@ -158,12 +163,15 @@ void OUTSYM_ATTR_MANAGER::report_comdat_symbols() const {
 }
 
 void OUTSYM_ATTR_MANAGER::hide(OF_SYMBOL* symbol) {
-    symbol->set_binding(OF_SYM_BINDING_LOCAL);
     symbol->set_name_view("");
+    localize(symbol);
 }
 
+// A common block in the output is one that nothing in it refers to: as a local one, which ELF
+// doesn't know, it would be of no use to anybody.
 void OUTSYM_ATTR_MANAGER::localize(OF_SYMBOL* symbol) {
     symbol->set_binding(OF_SYM_BINDING_LOCAL);
+    if (symbol->kind() == OF_SYM_KIND_COMMON) symbol->symbol_table()->delete_symbol(symbol->id());
 }
 
 // The lists were made from the same table by the same rules.

@@ -29,6 +29,8 @@ class OUTSYM_ATTR_MANAGER {
     bool needs_hiding(OFE::OF_SYMBOL* symbol) const;
     bool needs_localization(OFE::OF_SYMBOL* symbol) const;
     bool localize_hidden_symbols() const;
+    static void hide(OFE::OF_SYMBOL* symbol);
+    static void localize(OFE::OF_SYMBOL* symbol);
     // Some symbol is to be hidden or localized.
     bool has_changes() const { return !hidden_.empty() || !localized_.empty(); }
     const std::vector<OFE::OF_SYMBOL*>& hidden_symbols() const { return hidden_; }
@@ -53,8 +55,6 @@ class OUTSYM_ATTR_MANAGER {
     static bool add_pattern(PATTERNS& set, const char* text);
     static const FILTER* find_first_match(const PATTERNS& set, const char* name);
     static bool decide(const RULE& rule, OFE::OF_SYMBOL* symbol);
-    static void hide(OFE::OF_SYMBOL* symbol);
-    static void localize(OFE::OF_SYMBOL* symbol);
     bool has_patterns() const { return !hide_.empty() || !localize_.empty(); }
     void report_comdat_symbols() const;
 

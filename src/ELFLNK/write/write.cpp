@@ -70,7 +70,7 @@ void make_symbols_static() {
         OF_SYMBOL* symbol = table->symbol(id);
         if (!needs_make_static(symbol) || global_symbols.is_defined_in_comdat(symbol)) continue;
         trace_build.printf("hide_symbol: %s\n", symbol->name());
-        symbol->set_binding(OF_SYM_BINDING_LOCAL);
+        OUTSYM_ATTR_MANAGER::localize(symbol);
     }
 }
 

@@ -72,3 +72,12 @@ a.o out.o link.cmd -o out.elf -e _start --retain=*(.text.refs)
 --- sym
 __start___llvm_prf_cnts 0x1000
 __QV_pprof_out_hndl 0xFFFFFFFF
+--- case two files for a further link do not both define where counters are
+--- sections.cmd
+SECTIONS { .text : { *(.text*) }  .bss : {} }
+--- args
+out.o sections.cmd -r -o out.elf
+--- sym
+__start___llvm_prf_cnts -
+__stop___llvm_prf_cnts -
+__QV_path_prof_out 0x1

@@ -173,3 +173,25 @@ a.o -r -o out.elf --hide=*
 foo -
 --- readelf -sW
 LOCAL DEFAULT 4 $t
+--- case a_group_keeps_the_name_it_is_known_by
+--- group.s
+    .section .text.ctor, "axG", %progbits, ctor_group, comdat
+    .weak ctor
+    .type ctor, %function
+    .thumb_func
+ctor: bx lr
+--- args
+group.o -r -o out.elf --hide=*
+--- stderr
+warning: comdat symbols must remain global; option --hide ignored for 1 comdat
+   symbols.  Affected symbols can be listed in the mapfile.
+--- readelf -gW
+COMDAT group section [ 1] `.group' [ctor_group] contains 1 sections:
+--- case a_common_block_that_nothing_refers_to_is_gone_when_it_is_local
+--- common.s
+    .comm spare, 4, 4
+--- args
+a.o common.o -r -o out.elf --localize=spare
+--- sym
+spare -
+foo 0xc .text._start:a.o

@@ -107,7 +107,8 @@ void ARM_EABI::default_allocation() {
     create_and_inherit_output_section(noinit_section_name(), bss_section_name());
     create_and_inherit_output_section(persistent_section_name(), data_section_name());
     COLLECTION* counters = create_and_inherit_output_section("__llvm_prf_cnts", bss_section_name());
-    if (counters == nullptr) return;
+    // In a file for a further link they would meet those of other such files, and of that link.
+    if (counters == nullptr || is_partial_link()) return;
     assign_address("__start___llvm_prf_cnts", EXPR_OP_RUN_START, counters);
     assign_address("__stop___llvm_prf_cnts", EXPR_OP_RUN_END, counters);
 }
