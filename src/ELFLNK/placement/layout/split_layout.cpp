@@ -3,6 +3,7 @@
 // hole is tried with the rest. Afterwards the parts become output sections of their own, and the
 // locator of the container is rebuilt from them.
 #include <algorithm>
+#include <span>
 
 #include "DIAG/elnk_msgs.h"
 #include "ELFLNK/locator/locator.h"
@@ -50,7 +51,9 @@ bool LOCATOR::place_split_member(LOCATOR* sub, MEMORY_RANGE* trial) {
     return false;
 }
 
-/// One walk over the members that have no place yet; true if none is left over.
+/// One walk over the members that have no place yet; true if none is left over. They mostly stand
+/// by size, the largest first: those that are larger than the hole are passed over in one step, for
+/// there may be thousands of small holes.
 bool LOCATOR::place_split_members(MEMORY_RANGE* trial) {
     // An attempt in vain may ask for reserved trampolines to be moved.
     auto is_in_vain = [trial](const UNPLACED& next) {
@@ -58,18 +61,26 @@ bool LOCATOR::place_split_members(MEMORY_RANGE* trial) {
         return next.least != 0 && trial->reserved_trampolines() == 0 &&
                !trial->first_hole(trial->origin(), trial->end(), next.least, next.alignment, &hole);
     };
-    const std::vector<UNPLACED> list = take_unplaced();
+    std::vector<UNPLACED> list = take_unplaced();
     const uint32_t as_of = more_->sub_item_edits;
-    std::vector<UNPLACED> rest;
+    auto is_too_large = [room = trial->length()](const UNPLACED& next) {
+        return next.least > room;
+    };
+    auto first = list.begin();
+    if (trial->is_empty() && std::ranges::is_partitioned(list, is_too_large))
+        first = std::ranges::partition_point(list, is_too_large);
+    std::span<UNPLACED> open(first, list.end());
+    auto rest = first;
     visit_ahead(
-        list, [](const UNPLACED& next) { prefetch(next.item); },
+        open, [](const UNPLACED& next) { prefetch(next.item); },
         [&](const UNPLACED& next) {
             if (is_in_vain(next) ||
                 (!next.item->is_complete() && !place_split_member(next.item, trial)))
-                rest.push_back(next);
+                *rest++ = next;
         });
-    const bool all = rest.empty();
-    more_->unplaced = std::move(rest);
+    list.erase(rest, list.end());
+    const bool all = list.empty();
+    more_->unplaced = std::move(list);
     more_->unplaced_as_of = as_of;
     return all;
 }
