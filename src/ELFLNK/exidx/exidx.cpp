@@ -38,8 +38,6 @@ namespace EXIDX {
 namespace {
 
 constexpr unsigned R_ARM_PREL31 = 42;
-constexpr uint32_t CANTUNWIND = 1;
-constexpr unsigned ENTRY_SIZE = 8;
 
 OBJECT_FILE* internal_file() {
     return file_manager.internal_file()->object_file();

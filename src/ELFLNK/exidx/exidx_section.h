@@ -7,6 +7,16 @@ namespace OFE {
 class OF_RELOC;
 }
 
+namespace EXIDX {
+
+/// An entry of the index ("Exception Handling ABI for the Arm Architecture") in bytes: two words,
+/// where the code is and how it unwinds.
+inline constexpr unsigned ENTRY_SIZE = 8;
+/// The second word of code that cannot be unwound.
+inline constexpr uint32_t CANTUNWIND = 1;
+
+} // namespace EXIDX
+
 class EXIDX_SECTION : public SECTION {
   public:
     EXIDX_SECTION(OBJ_FILE* file, OFE::OF_SECTION* section) : SECTION(file, section) {}

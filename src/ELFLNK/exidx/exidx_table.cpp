@@ -29,8 +29,6 @@ namespace EXIDX {
 namespace {
 
 constexpr unsigned WORD = 4;
-constexpr unsigned ENTRY_SIZE = 2 * WORD;
-constexpr uint32_t CANTUNWIND = 1;
 constexpr uint32_t IN_LINE = 0x80000000;
 
 EXIDX_SECTION* as_piece(LINKER_OBJECT* object) {

@@ -99,13 +99,13 @@ REGISTRAR::KEY REGISTRAR::key_of(const OF_SYMBOL* sym) {
 
 void REGISTRAR::classify_sections(FILE_STATE& file) {
     OF_RAW_SECTION section;
-    const SECTION* root = root_collection->root_section();
+    // The root of all references is no part of the program.
+    SECTION* root_object = root_collection->root_section();
+    const OFE::OF_SECTION* root = root_object ? root_object->OF_SECTION_api() : nullptr;
+    const unsigned root_id = root && root->ofile() == file.object ? root->id() : 0;
     if (!file.bits.empty()) file.bits[0] = ABSENT;
     for (unsigned id = 1; id < file.bits.size(); ++id) {
-        // The root of all references is no part of the program.
-        const bool is_root = root && root->OF_SECTION_api()->ofile() == file.object &&
-                             root->OF_SECTION_api()->id() == id;
-        if (is_root || !file.sections->raw_section(id, section) || section.deleted) {
+        if (id == root_id || !file.sections->raw_section(id, section) || section.deleted) {
             file.bits[id] = ABSENT;
             continue;
         }
